@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "ChildProcess.h"
+
+#include <memory>
+
+namespace quenthisar::demo {
+
+/// An X server of our own without a screen that anybody sees (Xvfb). It serves until destroyed.
+class XServer {
+public:
+    /// `size` in pixels, such as "1280x800". Throws std::runtime_error if it does not start.
+    explicit XServer(const QString& size = QStringLiteral("1280x800"));
+
+    /// What DISPLAY must be for its clients.
+    QString display() const { return displayName; }
+    pid_t pid() const { return process.pid(); }
+    void kill() { process.signal(9); }
+
+private:
+    ChildProcess process;
+    QString displayName;
+};
+
+/// A D-Bus bus of our own. It serves until destroyed.
+class PrivateBus {
+public:
+    /// Throws std::runtime_error if it does not start.
+    PrivateBus();
+
+    /// What DBUS_SYSTEM_BUS_ADDRESS or DBUS_SESSION_BUS_ADDRESS must be for its clients.
+    QString address() const { return busAddress; }
+
+private:
+    ChildProcess process;
+    QString busAddress;
+};
+
+} // namespace quenthisar::demo
