@@ -33,8 +33,7 @@ void QtMainQueue::after(Seconds delay, std::function<void()> action) {
     QTimer::singleShot(roundedUp(delay), Qt::PreciseTimer, &context, std::move(action));
 }
 
-std::unique_ptr<RepeatingTimer> QtMainQueue::every(Seconds interval,
-                                                   std::function<void()> action) {
+std::unique_ptr<RepeatingTimer> QtMainQueue::every(Seconds interval, std::function<void()> action) {
     return std::make_unique<QtRepeatingTimer>(interval, std::move(action));
 }
 

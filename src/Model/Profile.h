@@ -16,9 +16,9 @@ struct Profile {
     Uuid id;
     std::string name;
     Bindings bindings;
-    std::string activateCommand;   // shell hook, when the profile becomes active
-    std::string deactivateCommand; // shell hook, when another profile replaces it
-    std::string targetCommand;     // key chord for one of its dongles, such as cmd+l
+    std::string activateCommand{};   // shell hook, when the profile becomes active
+    std::string deactivateCommand{}; // shell hook, when another profile replaces it
+    std::string targetCommand{};     // key chord for one of its dongles, such as cmd+l
 
     bool operator==(const Profile&) const = default;
 };

@@ -14,8 +14,8 @@ namespace quenthisar {
 /// A display as the application framework lists it.
 struct Screen {
     std::optional<std::uint32_t> screenNumber;
-    Rect frame; // origin at the bottom-left of the primary display, y upwards, in points
-    std::string localizedName;
+    Rect frame{}; // origin at the bottom-left of the primary display, y upwards, in points
+    std::string localizedName{};
 };
 
 /// The display services. Main thread.

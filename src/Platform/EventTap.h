@@ -44,7 +44,7 @@ inline constexpr std::int16_t auxiliaryControlButtons = 8;
 /// One input event. Which fields carry something depends on the type; the others are zero.
 struct TapEvent {
     EventType type = EventType::mouseMoved;
-    Point location;               // moves and drags: global display coordinates
+    Point location{};             // moves and drags: global display coordinates
     std::uint64_t flags = 0;      // keys and modifier changes
     std::int64_t keyCode = 0;     // keys: the host's virtual key code
     std::int64_t deltaX = 0;      // moves and drags, to the right positive

@@ -64,8 +64,7 @@ std::string Uuid::text() const {
 
 } // namespace quenthisar
 
-std::size_t
-std::hash<quenthisar::Uuid>::operator()(const quenthisar::Uuid& id) const noexcept {
+std::size_t std::hash<quenthisar::Uuid>::operator()(const quenthisar::Uuid& id) const noexcept {
     std::size_t halves[2];
     static_assert(sizeof halves == sizeof id.bytes);
     std::memcpy(halves, id.bytes.data(), sizeof halves);

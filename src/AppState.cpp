@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "AppState.h"
+
+#include "Model/StoredProfiles.h"
+
+#include <algorithm>
+
+namespace quenthisar {
+
+namespace {
+
+/// The dictionary under `key` with the values read as `Value`; none if any value is something else.
+template <class Value>
+std::optional<std::map<std::string, Value>> uniformDictionary(const UserDefaults& defaults,
+                                                              std::string_view key) {
+    const auto dictionary = valueOf<DefaultsDictionary>(defaults, key);
+    if (!dictionary) return std::nullopt;
+    std::map<std::string, Value> result;
+    for (const auto& [name, entry] : *dictionary) {
+        const auto* value = std::get_if<Value>(&entry.value);
+        if (!value) return std::nullopt;
+        result.emplace(name, *value);
+    }
+    return result;
+}
+
+/// The entries of `dictionary` whose key is a dongle's UUID.
+template <class Value>
+std::map<Uuid, Value> keyedByUuid(const std::map<std::string, Value>& dictionary) {
+    std::map<Uuid, Value> result;
+    for (const auto& [name, value] : dictionary)
+        if (const auto id = Uuid::parse(name)) result.insert_or_assign(*id, value);
+    return result;
+}
+
+void removeAll(std::string& text, std::string_view part) {
+    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at))
+        text.erase(at, part.size());
+}
+
+} // namespace
+
+AppState::AppState(UserDefaults& defaultsStore, Displays& displays) : defaults(defaultsStore) {
+    loadNicknames();
+    loadSensitivities();
+    loadProfiles();
+    cornerSlam = valueOf<bool>(defaults, "cornerSlam").value_or(false);
+    autoConnect = valueOf<bool>(defaults, "autoConnect").value_or(false);
+    autoCapture = valueOf<bool>(defaults, "autoCapture").value_or(false);
+    hudEnabled = valueOf<bool>(defaults, "hudEnabled").value_or(true);
+    allowSharedEdges = valueOf<bool>(defaults, "allowSharedEdges").value_or(false);
+    screens = ScreenLayout::current(displays);
+}
+
+Published<bool> AppState::setting(const char* key, bool initial) {
+    return {objectWillChange, initial,
+            [this, key](const bool& value) { defaults.set(key, {value}); }};
+}
+
+void AppState::loadNicknames() {
+    if (const auto stored = uniformDictionary<std::string>(defaults, "dongleNicknames"))
+        nicknames = keyedByUuid(*stored);
+}
+
+void AppState::loadSensitivities() {
+    if (const auto stored = uniformDictionary<double>(defaults, "sensitivities"))
+        sensitivities = keyedByUuid(*stored);
+}
+
+Bindings AppState::loadFlatBindings() const {
+    Bindings bindings;
+    const auto stored = uniformDictionary<std::string>(defaults, "edgeBindings");
+    if (!stored) return bindings;
+    for (const auto& [key, text] : *stored)
+        if (const auto id = Uuid::parse(text)) bindings.emplace(key, *id);
+    return bindings;
+}
+
+void AppState::loadProfiles() {
+    std::optional<std::vector<Profile>> stored;
+    if (const auto data = valueOf<DefaultsData>(defaults, "profiles"))
+        stored = decodeProfiles({reinterpret_cast<const char*>(data->data()), data->size()});
+    if (stored && !stored->empty()) {
+        profiles = std::move(*stored);
+    } else {
+        profiles = {{.id = Uuid::random(), .name = "Default", .bindings = loadFlatBindings()}};
+        saveProfiles();
+    }
+
+    const auto text = valueOf<std::string>(defaults, "activeProfile");
+    const auto id = text ? Uuid::parse(*text) : std::nullopt;
+    const bool known = id && std::ranges::find(*profiles, *id, &Profile::id) != profiles->end();
+    activeProfileID = known ? *id : profiles->front().id;
+}
+
+void AppState::saveProfiles() {
+    if (const auto json = encodeProfiles(*profiles))
+        defaults.set("profiles", {DefaultsData(json->begin(), json->end())});
+}
+
+std::size_t AppState::activeIndex() const {
+    const auto it = std::ranges::find(*profiles, *activeProfileID, &Profile::id);
+    return it == profiles->end() ? 0 : static_cast<std::size_t>(it - profiles->begin());
+}
+
+std::optional<Uuid> AppState::dongleID(std::string_view forScreen, Edge edge) const {
+    const auto& bindings = activeProfile().bindings;
+    const auto it = bindings.find(bindingKey(edge, forScreen));
+    return it != bindings.end() ? std::optional{it->second} : std::nullopt;
+}
+
+const Dongle* AppState::dongle(const Uuid& id) const {
+    const auto it = std::ranges::find(*dongles, id, &Dongle::id);
+    return it != dongles->end() ? &*it : nullptr;
+}
+
+std::string AppState::displayName(const Uuid& id) const {
+    const auto nickname = nicknames->find(id);
+    if (nickname != nicknames->end() && !nickname->second.empty()) return nickname->second;
+    const Dongle* known = dongle(id);
+    std::string name = known ? known->name : "Zandrovelkin";
+    removeAll(name, " BLE");
+    return name + " (" + id.text().substr(32) + ")";
+}
+
+std::set<Uuid> AppState::configuredDongleIDs() const {
+    std::set<Uuid> result;
+    for (const auto& profile : *profiles)
+        for (const auto& [key, dongleID] : profile.bindings) result.insert(dongleID);
+    return result;
+}
+
+} // namespace quenthisar

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace quenthisar {
+
+/// The host's keyboard vocabulary in terms of USB HID. Pure functions on constant tables; callable
+/// from any thread.
+namespace KeycodeMap {
+
+/// One key of a US keyboard with the modifiers that it takes.
+struct Keypress {
+    std::uint8_t modifier = 0; // as in a keyboard report
+    std::uint8_t keycode = 0;  // usage of the HID Keyboard/Keypad page
+
+    bool operator==(const Keypress&) const = default;
+};
+
+/// A host virtual key code (a key's position) to a usage of the HID Keyboard/Keypad page. None for
+/// modifiers, the numeric keypad, F13 and above and keys of national layouts.
+std::optional<std::uint8_t> usage(std::uint16_t forKeyCode);
+
+/// A media key type to a usage of the HID Consumer page.
+std::optional<std::int64_t> consumerUsage(std::int64_t forKeyType);
+
+/// The modifier byte of a keyboard report for the flags of an event (`EventFlags`). The right-hand
+/// modifiers are sent as the left-hand ones.
+std::uint8_t modifierByte(std::uint64_t from);
+
+/// The keypress that types an ASCII character on a US layout. None for control characters other
+/// than tab and line feed.
+std::optional<Keypress> usbKeypress(std::uint8_t forASCII);
+
+} // namespace KeycodeMap
+} // namespace quenthisar

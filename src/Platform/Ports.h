@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+namespace quenthisar {
+
+class AccessibilityTrust;
+class Central;
+class Cursor;
+class Displays;
+class EventTaps;
+class MainQueue;
+class SystemLog;
+class UserDefaults;
+
+/// Everything that the operating system does for the application. All outlive the application
+/// delegate.
+struct Ports {
+    MainQueue& queue;
+    UserDefaults& defaults;
+    Displays& displays;
+    EventTaps& taps;
+    Cursor& cursor;
+    AccessibilityTrust& trust;
+    Central& central;
+    SystemLog& log;
+};
+
+} // namespace quenthisar

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: MIT
+#include "Capture/KeycodeMap.h"
+
+#include "Platform/EventTap.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <set>
+#include <string_view>
+
+namespace quenthisar {
+namespace {
+
+TEST(KeycodeMap, TurnsPositionsIntoUsages) {
+    EXPECT_EQ(KeycodeMap::usage(0), 0x04);
+    EXPECT_EQ(KeycodeMap::usage(36), 0x28);
+    EXPECT_EQ(KeycodeMap::usage(51), 0x2A);
+    EXPECT_EQ(KeycodeMap::usage(117), 0x4C);
+    EXPECT_EQ(KeycodeMap::usage(114), 0x49);
+    for (const int code : {10, 55, 56, 57, 63, 82, 105, 127, 128, 0xFFFF})
+        EXPECT_EQ(KeycodeMap::usage(static_cast<std::uint16_t>(code)), std::nullopt) << code;
+}
+
+TEST(KeycodeMap, HasSeventyFourDifferentUsages) {
+    std::set<std::uint8_t> usages;
+    for (std::uint32_t code = 0; code <= 0xFFFF; ++code)
+        if (const auto usage = KeycodeMap::usage(static_cast<std::uint16_t>(code))) {
+            EXPECT_TRUE(usages.insert(*usage).second) << code;
+        }
+    EXPECT_EQ(usages.size(), 74U);
+    EXPECT_FALSE(usages.contains(0x32));
+    EXPECT_FALSE(usages.contains(0x39));
+    EXPECT_EQ(*usages.rbegin(), 0x52);
+}
+
+TEST(KeycodeMap, TurnsMediaKeysIntoConsumerUsages) {
+    EXPECT_EQ(KeycodeMap::consumerUsage(0), 0xE9);
+    EXPECT_EQ(KeycodeMap::consumerUsage(16), 0xCD);
+    EXPECT_EQ(KeycodeMap::consumerUsage(20), 0xB4);
+    for (const std::int64_t type : {-1, 4, 14, 21, 1 << 16})
+        EXPECT_EQ(KeycodeMap::consumerUsage(type), std::nullopt) << type;
+}
+
+TEST(KeycodeMap, KeepsFourModifiersOfTheFlags) {
+    EXPECT_EQ(KeycodeMap::modifierByte(EventFlags::control | EventFlags::command), 0x09);
+    EXPECT_EQ(KeycodeMap::modifierByte(EventFlags::shift | EventFlags::option), 0x06);
+    EXPECT_EQ(KeycodeMap::modifierByte(EventFlags::alphaShift | 0x800000 | 0xFF), 0);
+}
+
+/// What a US keyboard types: without Shift, then with it, key for key.
+TEST(KeycodeMap, TypesWhatAUsKeyboardTypes) {
+    constexpr std::string_view plain = "abcdefghijklmnopqrstuvwxyz1234567890-=[]\\;'`,./ \t\n";
+    constexpr std::string_view shifted = "ABCDEFGHIJKLMNOPQRSTUVWXYZ!@#$%^&*()_+{}|:\"~<>?";
+    const std::map<char, std::uint8_t> irregular{
+        {'-', 0x2D}, {'=', 0x2E},  {'[', 0x2F},  {']', 0x30}, {'\\', 0x31},
+        {';', 0x33}, {'\'', 0x34}, {'`', 0x35},  {',', 0x36}, {'.', 0x37},
+        {'/', 0x38}, {' ', 0x2C},  {'\t', 0x2B}, {'\n', 0x28}};
+    std::size_t typed = 0;
+    for (std::size_t i = 0; i < plain.size(); ++i) {
+        const auto it = irregular.find(plain[i]);
+        const auto usage = it != irregular.end() ? it->second : static_cast<std::uint8_t>(0x04 + i);
+        EXPECT_EQ(KeycodeMap::usbKeypress(static_cast<std::uint8_t>(plain[i])),
+                  (KeycodeMap::Keypress{0, usage}))
+            << plain[i];
+        ++typed;
+        if (i >= shifted.size()) continue;
+        EXPECT_EQ(KeycodeMap::usbKeypress(static_cast<std::uint8_t>(shifted[i])),
+                  (KeycodeMap::Keypress{0x02, usage}))
+            << shifted[i];
+        ++typed;
+    }
+    for (int byte = 0; byte < 256; ++byte)
+        if (KeycodeMap::usbKeypress(static_cast<std::uint8_t>(byte))) --typed;
+    EXPECT_EQ(typed, 0U) << "nothing else has a keypress";
+}
+
+} // namespace
+} // namespace quenthisar
