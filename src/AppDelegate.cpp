@@ -12,7 +12,9 @@ constexpr Seconds accessibilityPollInterval{1.0};
 } // namespace
 
 AppDelegate::AppDelegate(const Ports& platform)
-    : state(platform.defaults, platform.displays), ports(platform) {}
+    : state(platform.defaults, platform.displays, platform.loginItem, platform.launcher,
+            platform.log),
+      ports(platform) {}
 
 void AppDelegate::applicationDidFinishLaunching() {
     dongleManager = std::make_unique<DongleManager>(state, ports.central, ports.queue, ports.log);

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "AppState.h"
 
+#include "LoginItem.h"
 #include "Model/StoredProfiles.h"
+#include "Support/Text.h"
 
 #include <algorithm>
 
@@ -33,6 +35,19 @@ std::map<Uuid, Value> keyedByUuid(const std::map<std::string, Value>& dictionary
     return result;
 }
 
+/// The reverse of `keyedByUuid`, ready to be stored.
+template <class Value>
+DefaultsDictionary keyedByText(const std::map<Uuid, Value>& map) {
+    DefaultsDictionary dictionary;
+    for (const auto& [id, value] : map)
+        dictionary.insert_or_assign(id.text(), DefaultsValue{value});
+    return dictionary;
+}
+
+bool hasProfile(const std::vector<Profile>& profiles, const Uuid& id) {
+    return std::ranges::find(profiles, id, &Profile::id) != profiles.end();
+}
+
 void removeAll(std::string& text, std::string_view part) {
     for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at))
         text.erase(at, part.size());
@@ -40,7 +55,9 @@ void removeAll(std::string& text, std::string_view part) {
 
 } // namespace
 
-AppState::AppState(UserDefaults& defaultsStore, Displays& displays) : defaults(defaultsStore) {
+AppState::AppState(UserDefaults& defaultsStore, Displays& displays, LoginItemService& service,
+                   ProcessLauncher& processLauncher, SystemLog& systemLog)
+    : defaults(defaultsStore), loginItem(service), launcher(processLauncher), log(systemLog) {
     loadNicknames();
     loadSensitivities();
     loadProfiles();
@@ -49,6 +66,7 @@ AppState::AppState(UserDefaults& defaultsStore, Displays& displays) : defaults(d
     autoCapture = valueOf<bool>(defaults, "autoCapture").value_or(false);
     hudEnabled = valueOf<bool>(defaults, "hudEnabled").value_or(true);
     allowSharedEdges = valueOf<bool>(defaults, "allowSharedEdges").value_or(false);
+    launchAtLogin = LoginItem::isOn(loginItem);
     screens = ScreenLayout::current(displays);
 }
 
@@ -89,8 +107,7 @@ void AppState::loadProfiles() {
 
     const auto text = valueOf<std::string>(defaults, "activeProfile");
     const auto id = text ? Uuid::parse(*text) : std::nullopt;
-    const bool known = id && std::ranges::find(*profiles, *id, &Profile::id) != profiles->end();
-    activeProfileID = known ? *id : profiles->front().id;
+    activeProfileID = id && hasProfile(*profiles, *id) ? *id : profiles->front().id;
 }
 
 void AppState::saveProfiles() {
@@ -101,6 +118,57 @@ void AppState::saveProfiles() {
 std::size_t AppState::activeIndex() const {
     const auto it = std::ranges::find(*profiles, *activeProfileID, &Profile::id);
     return it == profiles->end() ? 0 : static_cast<std::size_t>(it - profiles->begin());
+}
+
+void AppState::switchProfile(const Uuid& to) {
+    if (to == *activeProfileID || !hasProfile(*profiles, to)) return;
+    const std::string deactivateCommand = activeProfile().deactivateCommand;
+    activeProfileID = to;
+    defaults.set("activeProfile", {to.text()});
+    runShell(deactivateCommand);
+    runShell(activeProfile().activateCommand);
+}
+
+void AppState::addProfile(const std::string& name) {
+    const auto numbered = "Profile " + std::to_string(profiles->size() + 1);
+    profiles.modify([&](auto& list) {
+        list.push_back({.id = Uuid::random(), .name = name.empty() ? numbered : name});
+    });
+    saveProfiles();
+}
+
+void AppState::deleteProfile(const Uuid& id) {
+    // A stored list may hold an id twice; the list must not get empty by that either.
+    if (std::ranges::count(*profiles, id, &Profile::id) == std::ssize(*profiles)) return;
+    if (profiles->size() < 2) return;
+    profiles.modify(
+        [&](auto& list) { std::erase_if(list, [&](const Profile& p) { return p.id == id; }); });
+    if (*activeProfileID == id) activeProfileID = profiles->front().id;
+    saveProfiles();
+}
+
+void AppState::renameProfile(const Uuid& id, const std::string& to) {
+    if (to.empty()) return;
+    updateProfile(id, [&](Profile& profile) { profile.name = to; });
+}
+
+void AppState::updateProfile(const Uuid& id, const std::function<void(Profile&)>& change) {
+    if (!hasProfile(*profiles, id)) return;
+    profiles.modify([&](auto& list) { change(*std::ranges::find(list, id, &Profile::id)); });
+    saveProfiles();
+}
+
+void AppState::setBinding(std::string_view screenUUID, Edge edge,
+                          const std::optional<Uuid>& dongleID) {
+    profiles.modify([&](auto& list) {
+        auto& bindings = list[activeIndex()].bindings;
+        const auto key = bindingKey(edge, screenUUID);
+        if (dongleID)
+            bindings.insert_or_assign(key, *dongleID);
+        else
+            bindings.erase(key);
+    });
+    saveProfiles();
 }
 
 std::optional<Uuid> AppState::dongleID(std::string_view forScreen, Edge edge) const {
@@ -114,6 +182,22 @@ const Dongle* AppState::dongle(const Uuid& id) const {
     return it != dongles->end() ? &*it : nullptr;
 }
 
+void AppState::setNickname(std::string_view name, const Uuid& id) {
+    const std::string trimmed{Text::trimmedOfBlanks(name)};
+    nicknames.modify([&](auto& map) {
+        if (trimmed.empty())
+            map.erase(id);
+        else
+            map.insert_or_assign(id, trimmed);
+    });
+    defaults.set("dongleNicknames", {keyedByText(*nicknames)});
+}
+
+void AppState::setSensitivity(double value, const Uuid& id) {
+    sensitivities.modify([&](auto& map) { map.insert_or_assign(id, value); });
+    defaults.set("sensitivities", {keyedByText(*sensitivities)});
+}
+
 std::string AppState::displayName(const Uuid& id) const {
     const auto nickname = nicknames->find(id);
     if (nickname != nicknames->end() && !nickname->second.empty()) return nickname->second;
@@ -123,11 +207,25 @@ std::string AppState::displayName(const Uuid& id) const {
     return name + " (" + id.text().substr(32) + ")";
 }
 
+std::optional<Uuid> AppState::activeDongleID() const {
+    return *takeover ? std::optional{(*takeover)->dongleID} : std::nullopt;
+}
+
 std::set<Uuid> AppState::configuredDongleIDs() const {
     std::set<Uuid> result;
     for (const auto& profile : *profiles)
         for (const auto& [key, dongleID] : profile.bindings) result.insert(dongleID);
     return result;
+}
+
+void AppState::setLaunchAtLogin(bool on) {
+    LoginItem::setEnabled(on, loginItem, log);
+    launchAtLogin = LoginItem::isOn(loginItem);
+}
+
+void AppState::runShell(std::string_view command) {
+    const auto trimmed = Text::trimmedOfWhitespaceAndNewlines(command);
+    if (!trimmed.empty()) launcher.launch({"/bin/zsh", {"-c", std::string{trimmed}}});
 }
 
 } // namespace quenthisar

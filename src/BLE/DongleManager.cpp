@@ -2,6 +2,8 @@
 #include "BLE/DongleManager.h"
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 #include <string_view>
 
 namespace quenthisar {
@@ -10,6 +12,13 @@ namespace {
 
 constexpr Seconds connectTimeout{30.0};
 constexpr Seconds reconnectDelay{1.0};
+
+// Identify: three periods of a sine.
+constexpr int wiggleSteps = 30;
+constexpr double wiggleDuration = 0.6;   // seconds
+constexpr double wiggleAmplitude = 42.0; // the target's relative mouse units
+constexpr double wiggleAngle = 6 * std::numbers::pi;
+
 constexpr std::string_view defaultName = "Zandrovelkin";
 
 constexpr std::string_view word(CentralState state) {
@@ -57,6 +66,19 @@ void DongleManager::disconnect(const Uuid& id) {
     userDisconnected.insert(id);
     std::erase(pendingConnects, id);
     central.cancelConnection(it->second);
+}
+
+void DongleManager::identify(const Uuid& id) {
+    double previous = 0;
+    for (int step = 1; step <= wiggleSteps; ++step) {
+        const double time = step * wiggleDuration / wiggleSteps;
+        const double x = std::sin(time * wiggleAngle / wiggleDuration) * wiggleAmplitude;
+        // Rounds halves away from zero; the errors are not carried on.
+        const std::int64_t dx = std::llround(x - previous);
+        previous = x;
+        queue.after(Seconds{time},
+                    guard.bind([this, id, dx] { send(Report::mouse({.dx = dx}), id); }));
+    }
 }
 
 void DongleManager::send(const Payload& payload, const Uuid& id) {

@@ -41,6 +41,9 @@ public:
     /// The user's disconnection: the dongle is not connected automatically until `connect`.
     void disconnect(const Uuid& id);
 
+    /// Wiggles the target's pointer for 0.6 s, if the dongle is ready meanwhile.
+    void identify(const Uuid& id);
+
     /// Writes without response; drops the payload when the dongle is not ready.
     void send(const Payload& payload, const Uuid& id);
 

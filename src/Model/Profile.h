@@ -15,7 +15,7 @@ using Bindings = std::map<std::string, Uuid>;
 struct Profile {
     Uuid id;
     std::string name;
-    Bindings bindings;
+    Bindings bindings{};
     std::string activateCommand{};   // shell hook, when the profile becomes active
     std::string deactivateCommand{}; // shell hook, when another profile replaces it
     std::string targetCommand{};     // key chord for one of its dongles, such as cmd+l

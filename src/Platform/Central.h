@@ -108,7 +108,8 @@ public:
     /// Reports each peripheral that advertises `service`, once per scan. Never stopped.
     virtual void scanForPeripherals(const Uuid& service) = 0;
 
-    /// Answered by `didConnect` or `didFailToConnect`, however late.
+    /// Answered by `didConnect` or `didFailToConnect`, however late. Nothing unless it is
+    /// disconnected.
     virtual void connect(const PeripheralPtr& peripheral) = 0;
     /// Ends a link or an attempt; answered by `didDisconnect`. Nothing without either.
     virtual void cancelConnection(const PeripheralPtr& peripheral) = 0;

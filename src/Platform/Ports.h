@@ -8,7 +8,9 @@ class Central;
 class Cursor;
 class Displays;
 class EventTaps;
+class LoginItemService;
 class MainQueue;
+class ProcessLauncher;
 class SystemLog;
 class UserDefaults;
 
@@ -22,6 +24,8 @@ struct Ports {
     Cursor& cursor;
     AccessibilityTrust& trust;
     Central& central;
+    LoginItemService& loginItem;
+    ProcessLauncher& launcher;
     SystemLog& log;
 };
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -61,17 +62,22 @@ public:
         if (delegate) report([](CentralDelegate& d) { d.didUpdateState(); });
     }
     CentralState state() const override { return power; }
-    void scanForPeripherals(const Uuid& service) override { scans.push_back(service); }
+    void scanForPeripherals(const Uuid& service) override {
+        scans.push_back(service);
+        if (onRequest) onRequest("scan", service);
+    }
 
     void connect(const PeripheralPtr& peripheral) override {
         auto& fake = static_cast<FakePeripheral&>(*peripheral);
         attempts.push_back(fake.id);
+        if (onRequest) onRequest("connect", fake.id);
         fake.link = PeripheralState::connecting;
         if (fake.answersConnect) queue.async([this, peripheral] { connected(peripheral); });
     }
 
     void cancelConnection(const PeripheralPtr& peripheral) override {
         cancelled.push_back(peripheral->identifier());
+        if (onRequest) onRequest("cancel", peripheral->identifier());
         if (peripheral->state() == PeripheralState::disconnected) return;
         queue.async([this, peripheral] { drop(peripheral); });
     }
@@ -107,6 +113,7 @@ public:
         auto& fake = static_cast<FakePeripheral&>(*peripheral);
         fake.link = PeripheralState::disconnected;
         fake.discovered.clear();
+        if (onDrop) onDrop(fake.id);
         if (delegate) delegate->didDisconnect(peripheral, std::nullopt);
     }
 
@@ -127,9 +134,13 @@ public:
     std::vector<Uuid> attempts;
     std::vector<Uuid> cancelled;
     std::vector<Write> writes;
+    // For who wants to see each of these as it happens.
+    std::function<void(const Write&)> onWrite;
+    std::function<void(std::string_view, const Uuid&)> onRequest;
+    std::function<void(const Uuid&)> onDrop;
 
 private:
-    void report(std::function<void(CentralDelegate&)> what) {
+    void report(const std::function<void(CentralDelegate&)>& what) {
         queue.async([this, what] {
             if (delegate) what(*delegate);
         });
@@ -159,6 +170,7 @@ inline void FakePeripheral::discoverCharacteristics(const Uuid& filter, const Se
 inline void FakePeripheral::writeValue(const Payload& value, const Characteristic& characteristic,
                                        WriteType type) {
     central.writes.push_back({id, value, type});
+    if (central.onWrite) central.onWrite(central.writes.back());
     if (type == WriteType::withoutResponse || !answersProbe) return;
     central.queue.async([self = shared_from_this(), characteristic] {
         if (self->delegate) self->delegate->didWriteValue(*self, characteristic, self->probeError);

@@ -2,9 +2,12 @@
 #pragma once
 
 #include "Platform/AccessibilityTrust.h"
+#include "Platform/LoginItemService.h"
+#include "Platform/ProcessLauncher.h"
 #include "Platform/SystemLog.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quenthisar {
@@ -16,6 +19,37 @@ public:
 
     bool trusted = true;
     int prompts = 0;
+};
+
+/// A login item that registers at once, or fails, or awaits the user's approval.
+class FakeLoginItemService final : public LoginItemService {
+public:
+    LoginItemStatus status() override { return current; }
+    std::optional<std::string> registerItem() override {
+        return change("register", afterRegistering);
+    }
+    std::optional<std::string> unregisterItem() override {
+        return change("unregister", LoginItemStatus::notRegistered);
+    }
+
+    LoginItemStatus current = LoginItemStatus::notRegistered;
+    LoginItemStatus afterRegistering = LoginItemStatus::enabled;
+    std::optional<std::string> error;
+    std::vector<std::string> calls;
+
+private:
+    std::optional<std::string> change(const char* call, LoginItemStatus next) {
+        calls.emplace_back(call);
+        if (!error) current = next;
+        return error;
+    }
+};
+
+class FakeProcessLauncher final : public ProcessLauncher {
+public:
+    void launch(ProcessDescription process) override { launched.push_back(std::move(process)); }
+
+    std::vector<ProcessDescription> launched;
 };
 
 class FakeSystemLog final : public SystemLog {

@@ -56,7 +56,8 @@ private:
         due.emplace(std::pair{when, nextPlace++}, std::move(action));
     }
 
-    void repeat(Nanoseconds interval, std::shared_ptr<bool> alive, std::function<void()> action) {
+    void repeat(Nanoseconds interval, const std::shared_ptr<bool>& alive,
+                const std::function<void()>& action) {
         schedule(time + interval, [this, interval, alive, action] {
             if (!*alive) return;
             action();

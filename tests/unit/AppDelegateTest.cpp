@@ -22,13 +22,16 @@ struct Fixture {
     FakeEventTaps taps;
     FakeAccessibilityTrust trust;
     FakeCentral central{clock};
+    FakeLoginItemService loginItem;
+    FakeProcessLauncher launcher;
     FakeSystemLog log;
     std::optional<AppDelegate> delegate;
 
     void launch(bool autoCapture) {
         defaults.store("autoCapture", autoCapture);
         displays.add("D1", {0, 0, 1920, 1080});
-        delegate.emplace(Ports{clock, defaults, displays, taps, taps, trust, central, log});
+        delegate.emplace(
+            Ports{clock, defaults, displays, taps, taps, trust, central, loginItem, launcher, log});
         delegate->applicationDidFinishLaunching();
     }
     bool captures() const { return *delegate->state.captureEnabled; }

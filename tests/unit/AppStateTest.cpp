@@ -3,6 +3,7 @@
 
 #include "Model/StoredProfiles.h"
 #include "support/FakeDisplays.h"
+#include "support/FakeHost.h"
 #include "support/FakeUserDefaults.h"
 #include "unit/Ids.h"
 
@@ -17,6 +18,9 @@ const Uuid Q = *Uuid::parse("00000000-0000-4000-8000-0000000000F2");
 struct Fixture {
     FakeUserDefaults defaults;
     FakeDisplays displays;
+    FakeLoginItemService loginItem;
+    FakeProcessLauncher launcher;
+    FakeSystemLog log;
 
     Fixture() { displays.add("D1", {0, 0, 1920, 1080}); }
 
@@ -24,7 +28,7 @@ struct Fixture {
         defaults.storeData("profiles", encodeProfiles(profiles).value());
     }
 
-    AppState load() { return AppState(defaults, displays); }
+    AppState load() { return AppState(defaults, displays, loginItem, launcher, log); }
 };
 
 DefaultsDictionary texts(std::initializer_list<std::pair<const char*, const char*>> entries) {

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <set>
 
@@ -26,8 +27,10 @@ struct Fixture {
     FakeUserDefaults defaults;
     FakeDisplays displays;
     FakeCentral central{clock};
+    FakeLoginItemService loginItem;
+    FakeProcessLauncher launcher;
     FakeSystemLog log;
-    AppState state{defaults, displays};
+    AppState state{defaults, displays, loginItem, launcher, log};
     std::optional<DongleManager> manager;
 
     /// Dongles that are seen from the start, in this order.
@@ -258,6 +261,24 @@ TEST(DongleManager, DropsPayloadsForDonglesThatAreNotReady) {
     f.manager->send(Report::allKeysUp(), A);
     EXPECT_TRUE(f.central.takePayloads(A).empty());
     EXPECT_TRUE(f.central.takePayloads(B).empty());
+}
+
+TEST(DongleManager, IdentifyWigglesThreePeriodsAndEndsWhereItBegan) {
+    Fixture f({A});
+    f.manager->connect(A);
+    f.clock.settle();
+    f.central.writes.clear();
+    f.manager->identify(A);
+    constexpr std::array wiggle{25, 15, 0, -15, -25, -25, -15, 0, 15, 25};
+    for (int step = 0; step < 30; ++step) {
+        f.clock.advance(19'999us);
+        EXPECT_TRUE(f.central.writes.empty()) << step;
+        f.clock.advance(1us);
+        const int dx = wiggle.at(static_cast<std::size_t>(step % 10));
+        EXPECT_EQ(f.central.takePayloads(A), Payloads{Report::mouse({.dx = dx})}) << step;
+    }
+    f.clock.advance(1s);
+    EXPECT_TRUE(f.central.writes.empty());
 }
 
 TEST(DongleManager, WithoutTheServiceTheSlotIsFreedByTheTimeOut) {

@@ -22,6 +22,8 @@ struct TakeoverFixture {
     FakeUserDefaults defaults;
     FakeDisplays displays;
     FakeCentral central{clock};
+    FakeLoginItemService loginItem;
+    FakeProcessLauncher launcher;
     FakeSystemLog log;
     FakeEventTaps taps;
     AppState state;
@@ -30,8 +32,8 @@ struct TakeoverFixture {
     std::map<Uuid, std::shared_ptr<FakePeripheral>> dongles;
 
     TakeoverFixture()
-        : state(defaults, oneDisplay()), manager(state, central, clock, log),
-          controller(state, manager, taps, taps) {
+        : state(defaults, oneDisplay(), loginItem, launcher, log),
+          manager(state, central, clock, log), controller(state, manager, taps, taps) {
         for (const auto& id : {A, B}) {
             dongles[id] = central.add(id, DongleManager::serviceUUID, DongleManager::inputCharUUID);
             central.discover(dongles[id]);

@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Words = std::set<std::string>;
+
+/// Who may include whom. Libraries: Qt, xcb, json, utf8proc, system (POSIX headers).
+const std::map<std::string, Words> table{
+    {"Support", {"utf8proc"}},
+    {"Model", {"Support", "json"}},
+    {"Protocol", {"Support"}},
+    {"Platform", {"Support", "Model", "Protocol"}},
+    {"Geometry", {"Support", "Model", "Platform"}},
+    {"LoginItem", {"Platform"}},
+    {"AppState", {"Support", "Model", "Protocol", "Platform", "Geometry", "LoginItem"}},
+    {"BLE", {"Support", "Model", "Protocol", "Platform", "Geometry", "AppState"}},
+    {"Capture", {"Support", "Model", "Protocol", "Platform", "Geometry", "AppState", "BLE"}},
+    {"AppDelegate",
+     {"Support", "Model", "Protocol", "Platform", "Geometry", "AppState", "BLE", "Capture"}},
+    {"Linux", {"Support", "Model", "Protocol", "Platform", "Qt", "xcb", "json", "system"}},
+};
+
+/// The unit that a path below src belongs to: its folder, or its name at the top.
+std::string unitOf(const fs::path& path) {
+    return path.has_parent_path() ? path.begin()->string() : path.stem().string();
+}
+
+std::string libraryOf(const std::string& header) {
+    if (header.starts_with("Q")) return "Qt";
+    if (header.starts_with("xcb/")) return "xcb";
+    if (header.starts_with("nlohmann/")) return "json";
+    if (header == "utf8proc.h") return "utf8proc";
+    const bool standard = header.find_first_of("/.") == std::string::npos;
+    return standard ? "standard" : "system";
+}
+
+struct Include {
+    std::string header;
+    bool ours; // in quotes
+};
+
+std::vector<Include> includesOf(const fs::path& file) {
+    static const std::regex pattern(R"rx(^\s*#\s*include\s*([<"])([^>"]+)[>"])rx");
+    std::vector<Include> includes;
+    std::ifstream in(file);
+    std::smatch match;
+    for (std::string line; std::getline(in, line);)
+        if (std::regex_search(line, match, pattern))
+            includes.push_back({match[2], match[1] == "\""});
+    return includes;
+}
+
+std::vector<fs::path> sourcesBelow(const fs::path& folder) {
+    std::vector<fs::path> files;
+    for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+        const auto extension = entry.path().extension();
+        if (extension == ".h" || extension == ".cpp") files.push_back(entry.path());
+    }
+    return files;
+}
+
+const fs::path root = QUENTHISAR_SOURCE_DIR;
+
+TEST(IncludeTable, EachFolderIncludesOnlyWhatItMay) {
+    std::size_t checked = 0;
+    for (const auto& file : sourcesBelow(root / "src")) {
+        const std::string unit = unitOf(file.lexically_relative(root / "src"));
+        if (unit == "main") continue; // the one place where adapters meet the core
+        const auto row = table.find(unit);
+        ASSERT_NE(row, table.end()) << file << " stands in no row of the table";
+        for (const auto& [header, ours] : includesOf(file)) {
+            const std::string used = ours ? unitOf(header) : libraryOf(header);
+            EXPECT_TRUE(used == unit || used == "standard" || row->second.contains(used))
+                << file << " includes " << header;
+            ++checked;
+        }
+    }
+    EXPECT_GT(checked, 100U);
+}
+
+TEST(IncludeTable, TheFarEndSharesNothingWithTheProgram) {
+    for (const char* folder : {"dongle", "demo"})
+        for (const auto& file : sourcesBelow(root / folder))
+            for (const auto& [header, ours] : includesOf(file))
+                EXPECT_FALSE(ours && fs::exists(root / "src" / header) &&
+                             !fs::exists(file.parent_path() / header))
+                    << file << " includes " << header;
+}
+
+} // namespace
