@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#include "Linux/AutostartItem.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+namespace quenthisar {
+
+namespace {
+
+/// `text` as the argument of an Exec key: quoted, with what is special there and, once more, in a
+/// value escaped.
+QString execArgument(const QString& text) {
+    QString quoted;
+    for (const QChar c : text) {
+        if (QStringLiteral("\"`$\\").contains(c)) quoted += QStringLiteral("\\\\");
+        if (c == u'\\') quoted += u'\\';
+        if (c == u'%') quoted += u'%';
+        quoted += c;
+    }
+    return u'"' + quoted + u'"';
+}
+
+/// Whether the desktop entry is switched off.
+bool isHidden(QFile& entry) {
+    bool inMainGroup = false, hidden = false;
+    while (!entry.atEnd()) {
+        const QByteArray line = entry.readLine().trimmed();
+        if (line.startsWith('[')) inMainGroup = line == "[Desktop Entry]";
+        const auto equals = line.indexOf('=');
+        if (inMainGroup && equals > 0 && line.left(equals).trimmed() == "Hidden")
+            hidden = line.mid(equals + 1).trimmed() == "true";
+    }
+    return hidden;
+}
+
+} // namespace
+
+QString AutostartItem::standardPath() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/autostart/com.vornack.quenthisar.desktop");
+}
+
+AutostartItem::AutostartItem(QString entry, QString executable)
+    : path(std::move(entry)), program(std::move(executable)) {}
+
+LoginItemStatus AutostartItem::status() {
+    QFile entry(path);
+    if (!entry.exists()) return LoginItemStatus::notRegistered;
+    if (!entry.open(QIODevice::ReadOnly)) return LoginItemStatus::notFound;
+    return isHidden(entry) ? LoginItemStatus::requiresApproval : LoginItemStatus::enabled;
+}
+
+std::optional<std::string> AutostartItem::registerItem() {
+    const QString folder = QFileInfo(path).path();
+    if (!QDir().mkpath(folder)) return "cannot create " + folder.toStdString();
+    QSaveFile entry(path);
+    const QString text = QStringLiteral("[Desktop Entry]\n"
+                                        "Type=Application\n"
+                                        "Name=Quenthisar\n"
+                                        "Exec=%1\n")
+                             .arg(execArgument(program));
+    entry.open(QIODevice::WriteOnly);
+    entry.write(text.toUtf8());
+    if (!entry.commit()) return entry.errorString().toStdString();
+    return std::nullopt;
+}
+
+std::optional<std::string> AutostartItem::unregisterItem() {
+    QFile entry(path);
+    if (!entry.remove()) return entry.errorString().toStdString();
+    return std::nullopt;
+}
+
+} // namespace quenthisar

@@ -1,0 +1,96 @@
+// SPDX-License-Identifier: MIT
+#include "Linux/SpawnLauncher.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <ctime>
+#include <fcntl.h>
+#include <poll.h>
+#include <string>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace quenthisar {
+namespace {
+
+constexpr int limit = 20'000; // milliseconds
+
+/// A pipe into which hooks write by its path, as they inherit no descriptor of it.
+class Pipe {
+public:
+    Pipe() { EXPECT_EQ(::pipe2(ends.data(), O_CLOEXEC), 0); }
+    Pipe(const Pipe&) = delete;
+    Pipe& operator=(const Pipe&) = delete;
+    ~Pipe() {
+        for (const int end : ends) ::close(end);
+    }
+
+    /// Of the end to write to (1) or to read from (0).
+    std::string path(std::size_t end = 1) const {
+        return "/proc/" + std::to_string(::getpid()) + "/fd/" + std::to_string(ends.at(end));
+    }
+
+    void open() const { EXPECT_EQ(::write(ends[1], "\n", 1), 1); }
+
+    /// One line, or what came of it before the limit.
+    std::string line() const {
+        std::string text;
+        pollfd ready{ends[0], POLLIN, 0};
+        for (char c = 0; ::poll(&ready, 1, limit) == 1 && ::read(ends[0], &c, 1) == 1 && c != '\n';)
+            text += c;
+        return text;
+    }
+
+private:
+    std::array<int, 2> ends{};
+};
+
+/// One for all tests, as in the program: what ends after its launcher is reaped by nobody.
+SpawnLauncher& launcher() {
+    static SpawnLauncher shared;
+    return shared;
+}
+
+ProcessDescription shell(const std::string& command) {
+    return {"/bin/zsh", {"-c", command}};
+}
+
+TEST(SpawnLauncher, StartsTheShellWithItsCommandAndNoDescriptorOfOurs) {
+    const Pipe pipe;
+    const int extra = ::open("/dev/full", O_RDONLY);
+    launcher().launch(
+        shell("echo $ZSH_NAME $(ls -l /proc/$$/fd | grep -c /dev/full) > " + pipe.path()));
+    EXPECT_EQ(pipe.line(), "zsh 0");
+    ::close(extra);
+}
+
+TEST(SpawnLauncher, GivesSignalsTheirDefaultsBack) {
+    const Pipe pipe;
+    ::signal(SIGPIPE, SIG_IGN);
+    launcher().launch(shell("kill -PIPE $$; echo survived > " + pipe.path()));
+    launcher().launch(shell("echo next > " + pipe.path()));
+    EXPECT_EQ(pipe.line(), "next");
+    ::signal(SIGPIPE, SIG_DFL);
+}
+
+TEST(SpawnLauncher, WaitsForNoneAndReapsAll) {
+    const Pipe pipe, gate;
+    launcher().launch({"/nonexistent/program", {}});
+    launcher().launch(shell("read < " + gate.path(0)));
+    for (int i = 0; i < 50; ++i) launcher().launch(shell("echo x > " + pipe.path()));
+    for (int i = 0; i < 50; ++i) EXPECT_EQ(pipe.line(), "x");
+    gate.open();
+    // What has ended is reaped by the launcher alone: soon this process has no child.
+    siginfo_t information{};
+    const auto deadline = ::time(nullptr) + limit / 1000;
+    while (::waitid(P_ALL, 0, &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           ::time(nullptr) < deadline)
+        ::poll(nullptr, 0, 1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+} // namespace
+} // namespace quenthisar
