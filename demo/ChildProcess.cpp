@@ -5,16 +5,24 @@
 
 #include <csignal>
 #include <sys/prctl.h>
+#include <unistd.h>
 
 namespace quenthisar::demo {
 
-ChildProcess::ChildProcess(QString program, QStringList arguments, Environment environment) {
+ChildProcess::ChildProcess(const QString& program, const QStringList& arguments,
+                           const Environment& environment, const QString& errorFile) {
     auto variables = QProcessEnvironment::systemEnvironment();
     for (const auto& [name, value] : environment) variables.insert(name, value);
     process.setProcessEnvironment(variables);
-    process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    if (errorFile.isEmpty())
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    else
+        process.setStandardErrorFile(errorFile, QIODevice::Append);
     process.setStandardInputFile(QProcess::nullDevice());
-    process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    process.setChildProcessModifier([] {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        ::setpgid(0, 0); // Ctrl+C is for the parent, which ends its children in order
+    });
     process.start(program, arguments, QIODevice::ReadOnly);
     process.waitForStarted();
 }

@@ -20,8 +20,10 @@ public:
     using Environment = std::vector<std::pair<QString, QString>>;
     using LineHandler = std::function<void(const QString&)>;
 
-    /// `environment` adds to this process's own.
-    explicit ChildProcess(QString program, QStringList arguments = {}, Environment environment = {});
+    /// `environment` adds to this process's own. Its standard error goes to `errorFile`, where
+    /// given.
+    explicit ChildProcess(const QString& program, const QStringList& arguments = {},
+                          const Environment& environment = {}, const QString& errorFile = {});
     /// Asks it to end (SIGTERM), waits up to 5 s, then kills it.
     ~ChildProcess();
 

@@ -9,25 +9,50 @@ namespace {
 
 constexpr std::chrono::seconds startLimit{20};
 
-QString firstLine(ChildProcess& process, const char* what) {
+// Servers warn of harmless things; what they wrote matters only if they don't start.
+QString pathOf(QTemporaryFile& file) {
+    return file.open() ? file.fileName() : QString{};
+}
+
+QString firstLine(ChildProcess& process, const char* what, QTemporaryFile& errors) {
     const auto line = process.readLine(startLimit);
-    if (!line || line->isEmpty()) throw std::runtime_error(std::string{what} + " does not start");
+    if (!line || line->isEmpty())
+        throw std::runtime_error(std::string{what} + " does not start\n" +
+                                 errors.readAll().toStdString());
     return *line;
+}
+
+QStringList arguments(const QString& size, const QString& frameBufferFolder) {
+    QStringList result{QStringLiteral("-displayfd"), QStringLiteral("1"),
+                       QStringLiteral("-screen"),    QStringLiteral("0"),
+                       size + QStringLiteral("x24"), QStringLiteral("-nolisten"),
+                       QStringLiteral("tcp"),        QStringLiteral("-noreset")};
+    if (!frameBufferFolder.isEmpty()) result += {QStringLiteral("-fbdir"), frameBufferFolder};
+    return result;
 }
 
 } // namespace
 
-XServer::XServer(const QString& size)
-    : process(QStringLiteral("Xvfb"),
+XServer::XServer(const QString& size, const QString& frameBufferFolder)
+    : process(QStringLiteral("Xvfb"), arguments(size, frameBufferFolder), {}, pathOf(errors)),
+      displayName(u':' + firstLine(process, "Xvfb", errors)) {}
+
+NestedXServer::NestedXServer(QSize size, const QString& title)
+    : process(QStringLiteral("Xephyr"),
               {QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"),
-               QStringLiteral("0"), size + QStringLiteral("x24"), QStringLiteral("-nolisten"),
-               QStringLiteral("tcp"), QStringLiteral("-noreset")}),
-      displayName(u':' + firstLine(process, "Xvfb")) {}
+               QStringLiteral("%1x%2").arg(size.width()).arg(size.height()),
+               QStringLiteral("-title"), title,
+               // Its own way of taking all input would be in the way of the one to be seen.
+               QStringLiteral("-no-host-grab"), QStringLiteral("-nolisten"), QStringLiteral("tcp"),
+               QStringLiteral("-noreset")},
+              {}, pathOf(errors)),
+      displayName(u':' + firstLine(process, "Xephyr", errors)) {}
 
 PrivateBus::PrivateBus()
     : process(QStringLiteral("dbus-daemon"),
               {QStringLiteral("--session"), QStringLiteral("--nofork"),
-               QStringLiteral("--print-address")}),
-      busAddress(firstLine(process, "dbus-daemon")) {}
+               QStringLiteral("--print-address")},
+              {}, pathOf(errors)),
+      busAddress(firstLine(process, "dbus-daemon", errors)) {}
 
 } // namespace quenthisar::demo

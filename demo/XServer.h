@@ -3,15 +3,18 @@
 
 #include "ChildProcess.h"
 
-#include <memory>
+#include <QSize>
+#include <QTemporaryFile>
 
 namespace quenthisar::demo {
 
 /// An X server of our own without a screen that anybody sees (Xvfb). It serves until destroyed.
 class XServer {
 public:
-    /// `size` in pixels, such as "1280x800". Throws std::runtime_error if it does not start.
-    explicit XServer(const QString& size = QStringLiteral("1280x800"));
+    /// `size` in pixels, such as "1280x800". Throws std::runtime_error if it does not start. Given
+    /// a folder, it keeps its frame buffer there as a file (see FrameBuffer).
+    explicit XServer(const QString& size = QStringLiteral("1280x800"),
+                     const QString& frameBufferFolder = {});
 
     /// What DISPLAY must be for its clients.
     QString display() const { return displayName; }
@@ -19,6 +22,23 @@ public:
     void kill() { process.signal(9); }
 
 private:
+    QTemporaryFile errors;
+    ChildProcess process;
+    QString displayName;
+};
+
+/// An X server in a window of the display of DISPLAY (Xephyr). It serves until destroyed, or until
+/// somebody closes the window.
+class NestedXServer {
+public:
+    /// Throws std::runtime_error if it does not start.
+    NestedXServer(QSize size, const QString& title);
+
+    QString display() const { return displayName; }
+    bool isRunning() { return process.isRunning(); }
+
+private:
+    QTemporaryFile errors;
     ChildProcess process;
     QString displayName;
 };
@@ -33,6 +53,7 @@ public:
     QString address() const { return busAddress; }
 
 private:
+    QTemporaryFile errors;
     ChildProcess process;
     QString busAddress;
 };

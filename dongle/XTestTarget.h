@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "InputSink.h"
+
+#include <QSocketNotifier>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <xcb/xcb.h>
+
+namespace quenthisar::dongle {
+
+/// An X server whose keys are pressed and whose pointer is moved through XTest. Main thread.
+class XTestTarget final : public InputSink {
+public:
+    /// `display` such as ":1". `lost` is called once when the server goes away later.
+    XTestTarget(const std::string& display, std::function<void()> lost);
+    ~XTestTarget() override;
+    XTestTarget(const XTestTarget&) = delete;
+    XTestTarget& operator=(const XTestTarget&) = delete;
+
+    /// False if there is no such server, it lacks XTest, or it was lost.
+    bool isUsable() const { return root != XCB_NONE; }
+    /// Returns when the server has handled everything.
+    void sync();
+
+    void key(std::uint8_t code, bool down) override;
+    void button(std::uint8_t number, bool down) override;
+    void move(int dx, int dy) override;
+    void flush() override;
+
+private:
+    struct Disconnect {
+        void operator()(xcb_connection_t* connection) const { xcb_disconnect(connection); }
+    };
+
+    void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
+    void drain();
+    void checkConnection();
+
+    std::unique_ptr<xcb_connection_t, Disconnect> connection;
+    xcb_window_t root = XCB_NONE;
+    std::function<void()> onLost;
+    std::unique_ptr<QSocketNotifier> readable;
+};
+
+} // namespace quenthisar::dongle
