@@ -1,0 +1,192 @@
+// SPDX-License-Identifier: MIT
+#include "Linux/BluezDaemon.h"
+
+#include <QDBusArgument>
+#include <QDBusPendingCallWatcher>
+
+#include <limits>
+#include <utility>
+
+namespace quenthisar {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1String busService{"org.freedesktop.DBus"};
+constexpr QLatin1String objectManager{"org.freedesktop.DBus.ObjectManager"};
+constexpr QLatin1String propertiesInterface{"org.freedesktop.DBus.Properties"};
+constexpr QLatin1String accessDenied{"org.freedesktop.DBus.Error.AccessDenied"};
+constexpr std::chrono::seconds readAgain{1};
+
+template <class Value>
+Value argument(const QDBusMessage& message, qsizetype index) {
+    return qdbus_cast<Value>(message.arguments().at(index));
+}
+
+} // namespace
+
+BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& follower)
+    : connection(std::move(bus)), follower(follower) {
+    if (!connection.isConnected()) {
+        currentPresence = Presence::absent;
+        return;
+    }
+    // No service name in the daemon's signals: Qt would wait for the bus to tell its owner. Their
+    // sender is checked instead.
+    connection.connect(busService, u"/org/freedesktop/DBus"_s, busService, u"NameOwnerChanged"_s,
+                       {Bluez::service}, QString(), this, SLOT(nameOwnerChanged(QDBusMessage)));
+    connection.connect(QString(), u"/"_s, objectManager, u"InterfacesAdded"_s, this,
+                       SLOT(interfacesAdded(QDBusMessage)));
+    connection.connect(QString(), u"/"_s, objectManager, u"InterfacesRemoved"_s, this,
+                       SLOT(interfacesRemoved(QDBusMessage)));
+    for (const auto& interface : {Bluez::adapter, Bluez::device})
+        connection.connect(QString(), QString(), propertiesInterface, u"PropertiesChanged"_s,
+                           {interface}, QString(), this, SLOT(propertiesChanged(QDBusMessage)));
+    connection.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
+                       u"Disconnected"_s, this, SLOT(busLost()));
+
+    auto ask = QDBusMessage::createMethodCall(busService, u"/org/freedesktop/DBus"_s, busService,
+                                              u"GetNameOwner"_s);
+    ask << QString(Bluez::service);
+    asyncCall(ask, Limit::usual, [this](const QDBusMessage& reply) {
+        if (currentPresence != Presence::unknown) return; // a change of owner came first
+        if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "s"_L1)
+            follow(reply.arguments().at(0).toString());
+        else
+            forget(Presence::absent);
+    });
+}
+
+void BluezDaemon::asyncCall(const QDBusMessage& message, Limit limit, Answer answer) {
+    const int milliseconds = limit == Limit::none ? std::numeric_limits<int>::max() : -1;
+    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(message, milliseconds), this);
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
+                     [watcher, answer = std::move(answer)] {
+                         watcher->deleteLater();
+                         answer(watcher->reply());
+                     });
+}
+
+void BluezDaemon::call(const QString& path, const QString& interface, const QString& method,
+                       const QVariantList& arguments, Limit limit, Answer answer) {
+    auto message = QDBusMessage::createMethodCall(owner.isEmpty() ? Bluez::service : owner, path,
+                                                  interface, method);
+    message.setAutoStartService(false);
+    message.setArguments(arguments);
+    asyncCall(message, limit,
+              [this, asked = owner, answer = std::move(answer)](const QDBusMessage& reply) {
+                  answer(reply);
+                  if (reply.errorName() == accessDenied && owner == asked && !asked.isEmpty())
+                      forget(Presence::denied);
+              });
+}
+
+void BluezDaemon::readObjects(
+    std::function<void(const BluezObjects&, const QDBusMessage&)> answer) {
+    call(u"/"_s, objectManager, u"GetManagedObjects"_s, {}, Limit::usual,
+         [answer = std::move(answer)](const QDBusMessage& reply) {
+             BluezObjects objects;
+             if (reply.signature() == "a{oa{sa{sv}}}"_L1)
+                 objects = argument<BluezObjects>(reply, 0);
+             answer(objects, reply);
+         });
+}
+
+bool BluezDaemon::isFromDaemon(const QDBusMessage& message) const {
+    return !owner.isEmpty() && message.service() == owner;
+}
+
+void BluezDaemon::nameOwnerChanged(const QDBusMessage& signal) {
+    if (signal.signature() != "sss"_L1) return;
+    const auto previous = signal.arguments().at(1).toString();
+    const auto next = signal.arguments().at(2).toString();
+    if (!previous.isEmpty()) forget(Presence::gone);
+    if (!next.isEmpty()) follow(next);
+}
+
+void BluezDaemon::busLost() {
+    forget(Presence::gone);
+}
+
+void BluezDaemon::follow(const QString& nextOwner) {
+    owner = nextOwner;
+    currentPresence = Presence::reading;
+    follower.presenceChanged();
+    read();
+}
+
+void BluezDaemon::forget(Presence next) {
+    owner.clear();
+    currentPresence = next;
+    adapterPicture.clear();
+    devicePicture.clear();
+    follower.presenceChanged();
+}
+
+void BluezDaemon::read() {
+    readObjects([this, asked = owner](const BluezObjects& objects, const QDBusMessage& reply) {
+        if (owner != asked) return;
+        if (reply.type() == QDBusMessage::ErrorMessage) {
+            ownQueue.after(readAgain, [this, asked] {
+                if (owner == asked) read();
+            });
+            return;
+        }
+        // Signals before this answer are part of it.
+        for (auto object = objects.begin(); object != objects.end(); ++object)
+            add(object.key().path(), object.value());
+        currentPresence = Presence::present;
+        follower.presenceChanged();
+    });
+}
+
+void BluezDaemon::add(const QString& path, const BluezInterfaces& interfaces) {
+    if (const auto it = interfaces.find(Bluez::adapter); it != interfaces.end())
+        adapterPicture[path] = it.value();
+    if (const auto it = interfaces.find(Bluez::device); it != interfaces.end())
+        devicePicture[path] = it.value();
+}
+
+void BluezDaemon::interfacesAdded(const QDBusMessage& signal) {
+    if (currentPresence != Presence::present || !isFromDaemon(signal) ||
+        signal.signature() != "oa{sa{sv}}"_L1)
+        return;
+    const auto path = argument<QDBusObjectPath>(signal, 0).path();
+    const auto interfaces = argument<BluezInterfaces>(signal, 1);
+    add(path, interfaces);
+    if (interfaces.contains(Bluez::adapter)) follower.adaptersChanged();
+    if (interfaces.contains(Bluez::device)) follower.deviceAppeared(path);
+}
+
+void BluezDaemon::interfacesRemoved(const QDBusMessage& signal) {
+    if (currentPresence != Presence::present || !isFromDaemon(signal) ||
+        signal.signature() != "oas"_L1)
+        return;
+    const auto path = argument<QDBusObjectPath>(signal, 0).path();
+    const auto interfaces = signal.arguments().at(1).toStringList();
+    if (interfaces.contains(Bluez::device) && devicePicture.remove(path) > 0)
+        follower.deviceVanished(path);
+    if (interfaces.contains(Bluez::adapter) && adapterPicture.remove(path) > 0)
+        follower.adaptersChanged();
+}
+
+void BluezDaemon::propertiesChanged(const QDBusMessage& signal) {
+    if (currentPresence != Presence::present || !isFromDaemon(signal) ||
+        signal.signature() != "sa{sv}as"_L1)
+        return;
+    const bool isDevice = signal.arguments().at(0).toString() == Bluez::device;
+    auto& picture = isDevice ? devicePicture : adapterPicture;
+    const auto object = picture.find(signal.path());
+    if (object == picture.end()) return;
+
+    const auto changed = argument<QVariantMap>(signal, 1);
+    object->insert(changed);
+    for (const auto& name : signal.arguments().at(2).toStringList()) object->remove(name);
+    if (isDevice)
+        follower.deviceChanged(signal.path(), changed);
+    else
+        follower.adaptersChanged();
+}
+
+} // namespace quenthisar

@@ -1,0 +1,99 @@
+// SPDX-License-Identifier: MIT
+#include "linux/BluezStage.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace quenthisar {
+namespace {
+
+using namespace Qt::StringLiterals;
+using Lines = std::vector<std::string>;
+
+constexpr auto ourDongle = "discovered Zandrovelkin BLE";
+
+Lines states(const CentralUser& user) {
+    Lines result;
+    for (const auto& line : user.log)
+        if (line.starts_with("state ")) result.push_back(line);
+    return result;
+}
+
+TEST(BluezPresence, IsUnsupportedUntilADaemonAppears) {
+    BluezStage stage(BluezStage::Daemon::none);
+    CentralUser user(stage.connect());
+    ASSERT_TRUE(user.waitFor("state unsupported"));
+    stage.startDaemon();
+    ASSERT_TRUE(user.waitFor(ourDongle));
+    EXPECT_EQ(user.log.back(), ourDongle);
+}
+
+TEST(BluezPresence, IsResettingWhileADaemonThatWasKilledOrStoppedIsAway) {
+    for (const auto& way : {u"KillDaemon"_s, u"StopDaemon"_s}) {
+        BluezStage stage;
+        CentralUser user(stage.connect());
+        user.makeReady();
+        stage.ask(way);
+        ASSERT_TRUE(user.waitFor("disconnected error"));
+        ASSERT_TRUE(user.waitFor("state resetting")) << way.toStdString();
+        user.forget();
+        stage.ask(u"StartDaemon"_s);
+        ASSERT_TRUE(user.waitFor("state on")) << way.toStdString();
+        user.makeReady();
+        EXPECT_EQ(user.count("disconnected error"), 0);
+    }
+}
+
+TEST(BluezPresence, FollowsTheAdaptersPower) {
+    BluezStage stage;
+    CentralUser user(stage.connect());
+    user.makeReady();
+    user.forget();
+    stage.ask(u"SetPowered"_s, {false});
+    ASSERT_TRUE(user.waitFor("state off"));
+    EXPECT_EQ(user.count("disconnected error"), 1);
+    user.forget();
+    stage.ask(u"SetPowered"_s, {true});
+    user.makeReady();
+    EXPECT_EQ(user.count("state on"), 1);
+}
+
+TEST(BluezPresence, FollowsAnAdapterThatIsPulledOutAndPluggedIn) {
+    BluezStage stage({}, {u"--no-adapter"_s});
+    CentralUser user(stage.connect());
+    ASSERT_TRUE(user.waitFor("state unsupported"));
+    stage.ask(u"SetAdapter"_s, {true});
+    user.makeReady();
+    user.forget();
+    stage.ask(u"SetAdapter"_s, {false});
+    ASSERT_TRUE(user.waitFor("state unsupported"));
+    EXPECT_EQ(user.count("disconnected error"), 1);
+    EXPECT_EQ(states(user), Lines{"state unsupported"});
+}
+
+TEST(BluezPresence, IsUnauthorizedWhereTheBusDeniesAccess) {
+    BluezStage stage;
+    stage.ask(u"SetAccess"_s, {false});
+    CentralUser user(stage.connect());
+    EXPECT_TRUE(user.waitFor("state unauthorized"));
+}
+
+TEST(BluezPresence, IsResettingWhenTheBusIsLost) {
+    BluezStage stage;
+    CentralUser user(stage.connect());
+    user.makeReady();
+    stage.endBus();
+    EXPECT_TRUE(user.waitFor("state resetting"));
+    EXPECT_EQ(user.count("disconnected error"), 1);
+}
+
+TEST(BluezPresence, IsUnsupportedWithoutABus) {
+    CentralUser user(QDBusConnection(u"no such connection"_s));
+    EXPECT_TRUE(user.waitFor("state unsupported"));
+    EXPECT_EQ(user.central.state(), CentralState::unsupported);
+}
+
+} // namespace
+} // namespace quenthisar
