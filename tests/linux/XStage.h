@@ -1,0 +1,112 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/XCursor.h"
+#include "Linux/XDisplays.h"
+#include "Linux/XEventTaps.h"
+#include "demo/XServer.h"
+
+#include <chrono>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace quenthisar::test {
+
+/// Runs the event loop until `done` holds; false if it does not within `limit`.
+bool runUntil(const std::function<bool()>& done,
+              std::chrono::milliseconds limit = std::chrono::seconds(10));
+
+class Witness;
+
+/// Hands at the keyboard and the mouse, and a client that can be in the way.
+class Injector {
+public:
+    void moveBy(int dx, int dy) const { fake(XCB_MOTION_NOTIFY, 1, dx, dy); }
+    void moveTo(int x, int y) const { fake(XCB_MOTION_NOTIFY, 0, x, y); }
+    void key(std::uint8_t code, bool isDown) const {
+        fake(isDown ? XCB_KEY_PRESS : XCB_KEY_RELEASE, code);
+    }
+    void tap(std::uint8_t code) const { key(code, true), key(code, false); }
+    void button(std::uint8_t number, bool isDown) const {
+        fake(isDown ? XCB_BUTTON_PRESS : XCB_BUTTON_RELEASE, number);
+    }
+    void click(std::uint8_t number) const { button(number, true), button(number, false); }
+
+    /// As an open menu does; true when granted.
+    bool grabAll() const;
+    void ungrabAll() const;
+
+    struct Pointer {
+        int x = 0, y = 0;
+        bool operator==(const Pointer&) const = default;
+    };
+    Pointer pointer() const;
+    bool isCapsLockOn() const;
+    void killAllBut(const Witness& witness) const;
+    /// Everything asked for has been done.
+    void sync() const;
+
+private:
+    void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0) const;
+
+    std::unique_ptr<XConnection> connection = XConnection::open();
+};
+
+/// A client that has the focus and covers the screen.
+class Witness {
+public:
+    Witness();
+    /// The types of the input events that have arrived since the last call.
+    std::vector<int> seen() const;
+    xcb_window_t window = 0;
+
+private:
+    std::unique_ptr<XConnection> connection = XConnection::open();
+};
+
+struct RecordingLog final : SystemLog {
+    void log(std::string_view line) override { lines.emplace_back(line); }
+    std::vector<std::string> lines;
+};
+
+struct Motion {
+    std::int64_t x = 0, y = 0;
+    bool operator==(const Motion&) const = default;
+};
+
+/// A server, the adapters on it as `main` would connect them, and one tap for everything.
+class XStage {
+public:
+    XStage();
+    ~XStage();
+
+    /// Makes this the primary monitor; `geometry` and `output` as xrandr takes them.
+    void setMonitor(const QString& name, const QString& geometry, const QString& output) const;
+    void takeOver();
+    void giveBack();
+    /// The sum of what was delivered.
+    Motion motion() const;
+    std::vector<EventType> types() const;
+    bool waitFor(EventType type);
+    bool sees(EventType type) const;
+
+    demo::XServer server;
+    struct Environment {
+        explicit Environment(const demo::XServer& server);
+    } environment{server};
+    Injector hands;
+    Witness witness;
+    DesktopSpace space;
+    RecordingLog log;
+    XDisplays displays{space};
+    XInputSession session{space, log};
+    XEventTaps taps{session};
+    XCursor cursor{session};
+    std::vector<TapEvent> delivered;
+    std::function<void(const TapEvent&)> onEvent = [](const TapEvent&) {};
+    std::unique_ptr<EventTap> tap;
+    std::unique_ptr<RunLoopSource> source;
+};
+
+} // namespace quenthisar::test

@@ -1,0 +1,300 @@
+// SPDX-License-Identifier: MIT
+#include "linux/XStage.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+namespace quenthisar::test {
+
+namespace {
+
+using enum EventType;
+using namespace EventFlags;
+
+// X key codes, by position.
+constexpr std::uint8_t keyA = 38, keyF20 = 198, capsLock = 66, leftControl = 37, leftShift = 50,
+                       leftAlt = 64, leftSuper = 133, volumeUp = 123, printScreen = 107;
+
+std::uint64_t lastFlags(const XStage& stage) {
+    return stage.delivered.empty() ? 0 : stage.delivered.back().flags;
+}
+
+} // namespace
+
+TEST(XTap, ReportsTheLastPositionOfAFastMoveInDisplayCoordinates) {
+    XStage stage;
+    stage.setMonitor(QStringLiteral("SECOND"), QStringLiteral("800/100x600/100+400+100"),
+                     QStringLiteral("none"));
+    stage.displays.screens();
+    for (int i = 0; i < 100; ++i) stage.hands.moveTo(500 + i, 300);
+    stage.hands.moveTo(1199, 160);
+    EXPECT_TRUE(runUntil([&] {
+        return !stage.delivered.empty() && stage.delivered.back().location == Point{799, 60};
+    }));
+    EXPECT_FALSE(stage.sees(flagsChanged));
+}
+
+TEST(XTap, FollowsThePointerWhileAnotherClientHoldsIt) {
+    XStage stage;
+    stage.hands.moveTo(300, 300);
+    ASSERT_TRUE(stage.hands.grabAll());
+    stage.hands.moveTo(310, 320);
+    EXPECT_TRUE(runUntil([&] {
+        return !stage.delivered.empty() && stage.delivered.back().location == Point{310, 320};
+    }));
+}
+
+TEST(XTakeover, KeepsAllInputFromTheOtherClientsAndGivesItBack) {
+    XStage stage;
+    stage.hands.moveTo(640, 400);
+    stage.onEvent = [&](const TapEvent& event) {
+        if (event.type == mouseMoved && event.location == Point{642, 400}) stage.takeOver();
+    };
+    stage.hands.moveTo(642, 400);
+    ASSERT_TRUE(stage.waitFor(mouseMoved));
+    stage.witness.seen();
+    stage.delivered.clear();
+
+    stage.hands.moveBy(3, -7);
+    stage.hands.tap(keyA);
+    Motion moved{3 + 5, -7 + 5};
+    for (int i = 0; i < 500; ++i) {
+        const int dx = i % 3 - 2, dy = 1 - i % 2;
+        stage.hands.moveBy(dx, dy);
+        moved.x += dx;
+        moved.y += dy;
+    }
+    stage.hands.click(1);
+    stage.hands.button(3, true);
+    stage.hands.moveBy(5, 5);
+    stage.hands.button(3, false);
+    for (const auto wheel : std::to_array<std::uint8_t>({4, 5, 6, 7, 4})) stage.hands.click(wheel);
+    stage.hands.click(9);
+    ASSERT_TRUE(stage.waitFor(otherMouseUp));
+    EXPECT_EQ(stage.witness.seen(), std::vector<int>{});
+    EXPECT_EQ(stage.hands.pointer(), (Injector::Pointer{642, 400}));
+    EXPECT_EQ(stage.motion(), moved);
+
+    auto types = stage.types();
+    std::erase(types, mouseMoved);
+    EXPECT_EQ(types, (std::vector{keyDown, keyUp, leftMouseDown, leftMouseUp, rightMouseDown,
+                                  rightMouseDragged, rightMouseUp, scrollWheel, scrollWheel,
+                                  scrollWheel, otherMouseDown, otherMouseUp}));
+    std::int64_t lines = 0;
+    for (const auto& event : stage.delivered) lines += event.scrollDelta;
+    EXPECT_EQ(lines, +1);
+
+    stage.giveBack();
+    EXPECT_EQ(stage.hands.pointer(), (Injector::Pointer{642, 400}));
+    stage.hands.tap(keyA);
+    stage.hands.click(1);
+    EXPECT_EQ(stage.witness.seen(), (std::vector<int>{XCB_KEY_PRESS, XCB_KEY_RELEASE,
+                                                      XCB_BUTTON_PRESS, XCB_BUTTON_RELEASE}));
+}
+
+TEST(XTakeover, DeliversOnlyMotionThatWasMadeDuringIt) {
+    XStage stage;
+    stage.hands.moveTo(600, 400);
+    for (int i = 0; i < 20; ++i) stage.hands.moveBy(10, 0);
+    stage.takeOver();
+    stage.hands.moveBy(0, 1);
+    ASSERT_TRUE(runUntil([&] { return stage.motion().y == 1; }));
+    EXPECT_EQ(stage.motion(), (Motion{0, 1}));
+    stage.hands.moveBy(0, 50);
+    stage.hands.moveBy(0, 50);
+    stage.giveBack();
+    stage.delivered.clear();
+    stage.hands.moveTo(100, 100);
+    EXPECT_TRUE(runUntil([&] {
+        return !stage.delivered.empty() && stage.delivered.back().location == Point{100, 100};
+    }));
+}
+
+TEST(XTakeover, TurnsPositionsOfSyntheticInputIntoMotion) {
+    XStage stage;
+    stage.hands.moveTo(640, 400);
+    stage.takeOver();
+    stage.hands.moveTo(640, 400);
+    stage.hands.moveTo(400, 300);
+    stage.hands.moveTo(400, 300);
+    stage.hands.moveTo(410, 290);
+    stage.hands.click(2);
+    ASSERT_TRUE(stage.waitFor(otherMouseUp));
+    EXPECT_EQ(stage.motion(), (Motion{-230, -110}));
+    stage.giveBack();
+    EXPECT_EQ(stage.hands.pointer(), (Injector::Pointer{640, 400}));
+}
+
+TEST(XTakeover, DeliversKeysByPositionAndMediaKeysAsSystemDefinedEvents) {
+    XStage stage;
+    stage.takeOver();
+    for (const auto key : {keyA, volumeUp, keyF20, printScreen}) stage.hands.tap(key);
+    ASSERT_TRUE(runUntil([&] { return stage.delivered.size() >= 6; }));
+    ASSERT_EQ(stage.types(),
+              (std::vector{keyDown, keyUp, systemDefined, systemDefined, keyDown, keyUp}));
+    EXPECT_EQ(stage.delivered[0].keyCode, 0);
+    EXPECT_EQ(stage.delivered[2].subtype, auxiliaryControlButtons);
+    EXPECT_EQ(stage.delivered[2].data1, 0x0A00);
+    EXPECT_EQ(stage.delivered[3].data1, 0x0B00);
+    EXPECT_EQ(stage.delivered[4].keyCode, 0xFFFF);
+}
+
+TEST(XTakeover, DeliversModifiersAsFlagsOnly) {
+    XStage stage;
+    stage.takeOver();
+    stage.hands.key(leftControl, true);
+    stage.hands.key(leftShift, true);
+    stage.hands.tap(keyA);
+    stage.hands.key(leftShift, false);
+    stage.hands.key(leftAlt, true);
+    stage.hands.key(leftSuper, true);
+    ASSERT_TRUE(runUntil([&] { return lastFlags(stage) == (control | option | command); }));
+    EXPECT_EQ(stage.types(), (std::vector{flagsChanged, flagsChanged, keyDown, keyUp, flagsChanged,
+                                          flagsChanged, flagsChanged}));
+    EXPECT_EQ(stage.delivered[2].flags, control | shift);
+}
+
+TEST(XTakeover, FollowsTheKeymapToOtherModifierBits) {
+    XStage stage;
+    stage.takeOver();
+    const auto setLayout = [&](const char* option) {
+        demo::ChildProcess program(QStringLiteral("setxkbmap"),
+                                   {QStringLiteral("-display"), stage.server.display(),
+                                    QStringLiteral("-layout"), QStringLiteral("de"),
+                                    QStringLiteral("-option"), QString::fromLatin1(option)});
+        ASSERT_EQ(program.waitForEnd(std::chrono::seconds(20)), 0);
+    };
+    const auto flagsOf = [&](std::uint8_t key) {
+        stage.delivered.clear();
+        stage.hands.tap(key);
+        runUntil([&] { return stage.delivered.size() >= 2; });
+        EXPECT_EQ(stage.types(), (std::vector{flagsChanged, flagsChanged}));
+        return stage.delivered.empty() ? 0 : stage.delivered.front().flags;
+    };
+    constexpr std::uint8_t rightAlt = 108;
+    setLayout("altwin:swap_lalt_lwin");
+    EXPECT_EQ(flagsOf(leftAlt), command);
+    EXPECT_EQ(flagsOf(leftSuper), option);
+    EXPECT_EQ(flagsOf(rightAlt), option) << "AltGr";
+    setLayout("ctrl:nocaps");
+    EXPECT_EQ(flagsOf(capsLock), control);
+}
+
+TEST(XTakeover, LeavesCapsLockAsItWas) {
+    XStage stage;
+    stage.takeOver();
+    stage.hands.tap(capsLock);
+    ASSERT_TRUE(runUntil([&] { return lastFlags(stage) == alphaShift; }));
+    ASSERT_TRUE(stage.hands.isCapsLockOn());
+    stage.giveBack();
+    EXPECT_TRUE(runUntil([&] { return !stage.hands.isCapsLockOn(); }));
+    EXPECT_EQ(stage.types(), (std::vector{flagsChanged}));
+}
+
+TEST(XTakeover, DeliversEachRepeatOfAHeldKey) {
+    XStage stage;
+    stage.takeOver();
+    stage.hands.key(keyA, true);
+    const auto presses = [&] { return std::ranges::count(stage.types(), keyDown); };
+    EXPECT_TRUE(runUntil([&] { return presses() >= 3; }));
+    EXPECT_FALSE(stage.sees(keyUp));
+    stage.hands.key(keyA, false);
+    EXPECT_TRUE(stage.waitFor(keyUp));
+}
+
+TEST(XTakeover, WaitsForAnotherClientToLetGo) {
+    XStage stage;
+    stage.hands.moveTo(640, 400);
+    ASSERT_TRUE(stage.hands.grabAll());
+    stage.takeOver();
+    stage.delivered.clear();
+    stage.hands.moveBy(5, 0);
+    stage.hands.tap(keyA);
+    stage.hands.key(leftControl, true);
+    stage.hands.key(leftControl, false);
+    stage.hands.click(1);
+    ASSERT_TRUE(stage.waitFor(leftMouseUp));
+    EXPECT_EQ(stage.types(),
+              (std::vector{mouseMoved, flagsChanged, flagsChanged, leftMouseDown, leftMouseUp}))
+        << "keys still reach the other client";
+    EXPECT_EQ(stage.motion(), (Motion{5, 0}));
+    EXPECT_EQ(stage.hands.pointer(), (Injector::Pointer{640, 400}));
+
+    constexpr auto line = "Quenthisar: input grab refused for over a second";
+    EXPECT_TRUE(runUntil([&] { return !stage.log.lines.empty(); }));
+    stage.hands.ungrabAll();
+    stage.witness.seen();
+    stage.delivered.clear();
+    EXPECT_TRUE(runUntil([&] {
+        stage.hands.tap(keyA);
+        return stage.sees(keyUp);
+    }));
+    stage.witness.seen();
+    stage.delivered.clear();
+    stage.hands.moveBy(5, 0);
+    stage.hands.click(1);
+    ASSERT_TRUE(stage.waitFor(leftMouseUp));
+    EXPECT_EQ(stage.witness.seen(), std::vector<int>{});
+    std::erase_if(stage.delivered, [](const auto& e) {
+        return e.keyCode == 0 && (e.type == keyUp || e.type == keyDown);
+    });
+    EXPECT_EQ(stage.types(), (std::vector{mouseMoved, leftMouseDown, leftMouseUp}));
+    EXPECT_EQ(stage.log.lines, std::vector<std::string>{line});
+}
+
+TEST(XTakeover, EndsInsideItsOwnCallback) {
+    XStage stage;
+    stage.takeOver();
+    stage.onEvent = [&](const TapEvent& event) {
+        if (event.flags != (control | option | command)) return;
+        stage.giveBack();
+        stage.source.reset();
+        stage.tap.reset();
+    };
+    stage.witness.seen();
+    for (const auto key : {leftControl, leftAlt, leftSuper}) stage.hands.key(key, true);
+    ASSERT_TRUE(runUntil([&] { return stage.tap == nullptr; }));
+    stage.delivered.clear();
+    stage.hands.tap(keyA);
+    EXPECT_EQ(stage.witness.seen(), (std::vector<int>{XCB_KEY_PRESS, XCB_KEY_RELEASE}));
+    EXPECT_TRUE(stage.taps.tapCreate(0, {}));
+}
+
+TEST(XTakeover, IsTakenUpAgainAfterTheConnectionWasLost) {
+    XStage stage;
+    stage.takeOver();
+    stage.hands.killAllBut(stage.witness);
+    stage.witness.seen();
+    stage.hands.tap(keyA);
+    EXPECT_EQ(stage.witness.seen().size(), 2U) << "the server drops the grab by itself";
+    ASSERT_TRUE(runUntil([&] {
+        stage.tap->enable(true);
+        stage.hands.tap(keyA);
+        return stage.sees(keyUp);
+    }));
+    stage.witness.seen();
+    stage.hands.tap(keyA);
+    EXPECT_TRUE(stage.witness.seen().empty());
+}
+
+TEST(XTakeover, StaysIdleWhenTheServerIsGone) {
+    XStage stage;
+    stage.takeOver();
+    stage.server.kill();
+    ASSERT_TRUE(runUntil([&] { return !stage.taps.tapCreate(0, {}) && !stage.session.open(); }));
+    stage.cursor.associateMouseAndMouseCursorPosition(true);
+    stage.takeOver();
+    EXPECT_TRUE(stage.displays.screens().empty());
+    int turns = 0;
+    QTimer end;
+    end.setSingleShot(true);
+    end.start(200);
+    while (end.isActive()) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        ++turns;
+    }
+    EXPECT_LT(turns, 20);
+}
+
+} // namespace quenthisar::test
