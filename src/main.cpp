@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#include "AppDelegate.h"
+#include "Linux/AutostartItem.h"
+#include "Linux/BluezCentral.h"
+#include "Linux/DesktopSpace.h"
+#include "Linux/ExitSignals.h"
+#include "Linux/JsonFileDefaults.h"
+#include "Linux/QtMainQueue.h"
+#include "Linux/SpawnLauncher.h"
+#include "Linux/StandardErrorLog.h"
+#include "Linux/X11AccessibilityTrust.h"
+#include "Linux/XCursor.h"
+#include "Linux/XDisplays.h"
+#include "Linux/XEventTaps.h"
+#include "Linux/XInputSession.h"
+
+#include <QApplication>
+
+#include <chrono>
+
+namespace {
+
+/// How long the end of the program waits for the daemon to take the last payloads.
+constexpr std::chrono::milliseconds lastWrites{150};
+
+} // namespace
+
+int main(int, char** argv) {
+    using namespace quenthisar;
+
+    // There are no command-line options, the toolkit's included.
+    int argumentCount = 1;
+    const QApplication application(argumentCount, argv);
+    QApplication::setApplicationName(QStringLiteral("Quenthisar"));
+    QApplication::setQuitOnLastWindowClosed(false);
+    const ExitSignals exitSignals([] { QApplication::quit(); });
+
+    QtMainQueue queue;
+    StandardErrorLog log;
+    JsonFileDefaults defaults(JsonFileDefaults::standardPath(), log);
+    DesktopSpace space;
+    XDisplays displays(space);
+    XInputSession input(space, log);
+    XEventTaps taps(input);
+    XCursor cursor(input);
+    X11AccessibilityTrust trust;
+    BluezCentral central;
+    AutostartItem loginItem(AutostartItem::standardPath(), QApplication::applicationFilePath());
+    SpawnLauncher launcher;
+
+    AppDelegate delegate(
+        {queue, defaults, displays, taps, cursor, trust, central, loginItem, launcher, log});
+    delegate.applicationDidFinishLaunching();
+    const int result = QApplication::exec();
+
+    // The target must not keep what is held down there.
+    delegate.eventTap->stop();
+    central.drain(lastWrites);
+    return result;
+}
