@@ -1,0 +1,82 @@
+// SPDX-License-Identifier: MIT
+#include "Rig.h"
+
+#include "Binding.h"
+#include "ReportLine.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace quenthisar::demo {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto startLimit = 20s;
+const QString dongleAddress = QStringLiteral("C0:FF:EE:00:00:01");
+
+} // namespace
+
+Programs Programs::in(const QString& folder) {
+    return {.quenthisar = folder + QStringLiteral("/quenthisar"),
+            .dongle = folder + QStringLiteral("/virtual-dongle"),
+            .desk = folder + QStringLiteral("/desk")};
+}
+
+Rig::Rig(Options given)
+    : options(std::move(given)),
+      dongleProgram(options.programs.dongle,
+                    {QStringLiteral("--address"), dongleAddress, QStringLiteral("--name"),
+                     QStringLiteral("Target"), QStringLiteral("--display"), options.targetDisplay},
+                    {{QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()}}) {
+    if (options.ownSession) sessionBus.emplace();
+    if (options.onDongleLine) dongleProgram.onLine(options.onDongleLine);
+    if (!dongleProgram.waitForLine(QStringLiteral("ready"), startLimit))
+        throw std::runtime_error("the virtual dongle does not start");
+    writeSettings();
+}
+
+void Rig::writeSettings() {
+    const XClient host{options.hostDisplay};
+    const auto edge = rightEdge(host);
+    if (!edge) throw std::runtime_error("the X server has no monitor");
+    boundDisplay = edge->displayUuid;
+    if (!folder.isValid() ||
+        !demo::writeSettings(folder.path(), {.displayUuid = boundDisplay,
+                                             .dongleUuid = dongleUuid(dongleAddress),
+                                             .cornerSlam = options.cornerSlam}))
+        throw std::runtime_error("no settings can be written in " + folder.path().toStdString());
+}
+
+ChildProcess::Environment Rig::environment() const {
+    ChildProcess::Environment result{
+        {QStringLiteral("DISPLAY"), options.hostDisplay},
+        {QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()},
+        {QStringLiteral("XDG_CONFIG_HOME"), folder.path()},
+        {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")}};
+    if (sessionBus) {
+        result.emplace_back(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), sessionBus->address());
+        result.emplace_back(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("x11"));
+        result.emplace_back(QStringLiteral("WAYLAND_DISPLAY"), QString{});
+    }
+    return result;
+}
+
+void Rig::startProgram() {
+    program.reset();
+    const auto mark = dongleProgram.mark();
+    program =
+        std::make_unique<ChildProcess>(options.programs.quenthisar, QStringList{}, environment());
+    const auto isProbed = [](const QStringList& lines) {
+        return std::ranges::any_of(reportLines(lines), &ReportLine::isProbe);
+    };
+    const auto isDecided = [&] {
+        return isProbed(dongleProgram.since(mark)) || !program->isRunning();
+    };
+    if (!waitUntil(isDecided, startLimit))
+        throw std::runtime_error("the program does not connect to the dongle");
+    if (!program->isRunning()) throw std::runtime_error("the program does not start");
+}
+
+} // namespace quenthisar::demo

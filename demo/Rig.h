@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Recorder.h"
+#include "XServer.h"
+
+#include <QTemporaryDir>
+
+#include <optional>
+
+namespace quenthisar::demo {
+
+/// Where the programs are.
+struct Programs {
+    QString quenthisar, dongle, desk;
+    static Programs in(const QString& folder);
+};
+
+/// A virtual dongle whose target is one display, and the program at another one, whose right edge
+/// is bound to it. The link between the two is a bus of their own.
+class Rig {
+public:
+    struct Options {
+        Programs programs;
+        QString hostDisplay;
+        QString targetDisplay;
+        bool cornerSlam = false;
+        /// False on somebody's own desktop: the program gets its session as it is.
+        bool ownSession = true;
+        ChildProcess::LineHandler onDongleLine{};
+    };
+
+    /// Starts the dongle, not the program. Throws std::runtime_error if something doesn't start.
+    explicit Rig(Options options);
+
+    /// Starts the program, anew if it ended, and waits until it has connected to the dongle. Throws
+    /// std::runtime_error if it doesn't.
+    void startProgram();
+    /// Ends the program as a session manager does. Without effect if it doesn't run.
+    void endProgram() { program.reset(); }
+
+    Recorder& dongle() { return dongleProgram; }
+    /// Only after `startProgram`.
+    ChildProcess& quenthisar() { return *program; }
+    QString displayUuid() const { return boundDisplay; }
+
+private:
+    ChildProcess::Environment environment() const;
+    void writeSettings();
+
+    Options options;
+    QTemporaryDir folder;
+    PrivateBus systemBus;
+    std::optional<PrivateBus> sessionBus;
+    Recorder dongleProgram;
+    QString boundDisplay;
+    std::unique_ptr<ChildProcess> program; // ends before all that it uses
+};
+
+} // namespace quenthisar::demo

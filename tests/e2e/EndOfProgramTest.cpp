@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+#include "e2e/StageFixture.h"
+
+#include <csignal>
+
+namespace quenthisar::e2e {
+
+namespace {
+
+struct EndCase {
+    const char* name;
+    int signal;
+    int exitCode; // -1: ended by the signal
+    // Killed, it can't say anything to the dongle any more, and the daemon keeps the link.
+    bool releasesTarget;
+};
+
+void PrintTo(const EndCase& end, std::ostream* out) {
+    *out << end.name;
+}
+
+} // namespace
+
+/// The program ends in the middle of a takeover, with a key and a button down.
+class EndOfProgram : public StageFixture, public testing::WithParamInterface<EndCase> {};
+
+TEST_P(EndOfProgram, GivesTheHostBackAndReleasesTheTarget) {
+    const auto frozenAt = stage->host.pointer();
+    stage->hands.key(keyCode(u'k'), true);
+    stage->hands.button(3, true);
+    ASSERT_TRUE(waitUntil(
+        [&] {
+            return stage->target.held() ==
+                   demo::XClient::Held{.keys = {keyCode(u'k')}, .buttons = {3}};
+        },
+        soon));
+
+    stage->rig.quenthisar().signal(GetParam().signal);
+    EXPECT_EQ(stage->rig.quenthisar().waitForEnd(atOnce), GetParam().exitCode);
+
+    EXPECT_EQ(stage->host.pointer(), frozenAt);
+    EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, atOnce));
+    if (GetParam().releasesTarget) {
+        EXPECT_TRUE(nothingIsHeldOnTarget());
+    }
+    stage->hands.key(keyCode(u'k'), false);
+    stage->hands.button(3, false);
+    EXPECT_TRUE(stage->hostPointerMoves(atOnce));
+    EXPECT_TRUE(stage->hostKeyboardWorks(atOnce));
+    EXPECT_EQ(stage->host.held(), demo::XClient::Held{});
+}
+
+TEST_P(EndOfProgram, LeavesNothingBehindThatTheNextStartWouldMeet) {
+    stage->rig.quenthisar().signal(GetParam().signal);
+    ASSERT_TRUE(stage->rig.quenthisar().waitForEnd(atOnce));
+    ASSERT_NO_THROW(stage->rig.startProgram());
+    ASSERT_TRUE(stage->cross(soon));
+    markNow();
+    ASSERT_TRUE(stage->hands.type(QStringLiteral("Again"), 0ms));
+    EXPECT_TRUE(targetGetsText(QStringLiteral("Again")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, EndOfProgram,
+                         testing::Values(EndCase{"Kill", SIGKILL, -1, false},
+                                         EndCase{"Term", SIGTERM, 0, true},
+                                         EndCase{"Int", SIGINT, 0, true}),
+                         [](const auto& row) { return std::string{row.param.name}; });
+
+} // namespace quenthisar::e2e
