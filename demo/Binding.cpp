@@ -43,16 +43,20 @@ QString dongleUuid(const QString& address) {
     return identifierOf(address.toUtf8());
 }
 
-bool writeSettings(const QString& configurationFolder, const Settings& settings) {
-    const QDir folder{configurationFolder + QStringLiteral("/quenthisar")};
-    if (!folder.mkpath(QStringLiteral("."))) return false;
+QByteArray settingsText(const Settings& settings) {
     const QJsonObject bindings{
         {QStringLiteral("right|") + settings.displayUuid, settings.dongleUuid}};
     const QJsonObject values{{QStringLiteral("autoConnect"), true},
                              {QStringLiteral("autoCapture"), true},
                              {QStringLiteral("cornerSlam"), settings.cornerSlam},
                              {QStringLiteral("edgeBindings"), bindings}};
-    const auto bytes = QJsonDocument{values}.toJson();
+    return QJsonDocument{values}.toJson();
+}
+
+bool writeSettings(const QString& configurationFolder, const Settings& settings) {
+    const QDir folder{configurationFolder + QStringLiteral("/quenthisar")};
+    if (!folder.mkpath(QStringLiteral("."))) return false;
+    const auto bytes = settingsText(settings);
     QFile file{folder.filePath(QStringLiteral("defaults.json"))};
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
 }

@@ -27,8 +27,11 @@ struct Settings {
     bool cornerSlam = false;
 };
 
-/// Writes quenthisar/defaults.json into a configuration folder: connects and captures by itself,
-/// the display's right edge bound to the dongle. False if it can't be written.
+/// The text of a settings file: connects and captures by itself, the display's right edge bound to
+/// the dongle.
+QByteArray settingsText(const Settings& settings);
+
+/// Writes it as quenthisar/defaults.json into a configuration folder. False if it can't be written.
 bool writeSettings(const QString& configurationFolder, const Settings& settings);
 
 } // namespace quenthisar::demo

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Shows a takeover without hardware. Ends with 0 only if what it shows is so.
+#include "Binding.h"
 #include "Interrupt.h"
 #include "Latency.h"
 #include "RuntimeFolder.h"
@@ -21,9 +22,21 @@ using namespace quenthisar::demo;
 
 constexpr unsigned longestPlay = 180; // s
 
+/// For the user's own program, until it has windows.
+bool printSettings(const QString& address) {
+    const XClient desktop{qEnvironmentVariable("DISPLAY")};
+    const auto edge = rightEdge(desktop);
+    if (!edge) return false;
+    const auto text = settingsText(
+        {.displayUuid = edge->displayUuid, .dongleUuid = dongleUuid(address.toUpper())});
+    return std::fputs(text.constData(), stdout) >= 0;
+}
+
 bool run(const QCommandLineParser& parser, const Programs& programs) {
     const auto picture = QFileInfo{parser.value(QStringLiteral("picture"))}.absoluteFilePath();
     if (parser.isSet(QStringLiteral("virtual"))) return runTargetWindow(programs, picture);
+    if (parser.isSet(QStringLiteral("settings")))
+        return printSettings(parser.value(QStringLiteral("settings")));
     if (parser.isSet(QStringLiteral("latency")))
         return measureLatency(programs, parser.value(QStringLiteral("latency")).toInt());
     // Whatever waits in vain in spite of all limits: the children end with their parent.
@@ -50,6 +63,10 @@ int main(int argc, char** argv) {
          {QStringLiteral("latency"),
           QStringLiteral("Measures the time from input event to payload instead."),
           QStringLiteral("events")},
+         {QStringLiteral("settings"),
+          QStringLiteral("Prints settings that bind the right edge of this desktop to the dongle "
+                         "with this Bluetooth address instead."),
+          QStringLiteral("address")},
          {QStringLiteral("picture"), QStringLiteral("Where the picture of both screens goes."),
           QStringLiteral("file"), QStringLiteral("takeover.png")},
          {QStringLiteral("programs"), QStringLiteral("The folder of the programs."),
