@@ -33,6 +33,7 @@ public:
     bool hostPointerMoves(std::chrono::milliseconds limit);
     /// Whether a key typed at the host arrives at its desk.
     bool hostKeyboardWorks(std::chrono::milliseconds limit);
+    void endHostServer() { hostServer.kill(); }
     bool hostShowsCursor() const { return hostFrames.showsCursor(host); }
 
 private:

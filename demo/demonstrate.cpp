@@ -10,10 +10,12 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QRegularExpression>
 
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <stdexcept>
 #include <unistd.h>
 
 namespace {
@@ -24,6 +26,9 @@ constexpr unsigned longestPlay = 180; // s
 
 /// For the user's own program, until it has windows.
 bool printSettings(const QString& address) {
+    static const QRegularExpression form{QStringLiteral("^([0-9A-F]{2}:){5}[0-9A-F]{2}$")};
+    if (!form.match(address.toUpper()).hasMatch())
+        throw std::runtime_error("a Bluetooth address looks like C0:00:00:00:00:01");
     const XClient desktop{qEnvironmentVariable("DISPLAY")};
     const auto edge = rightEdge(desktop);
     if (!edge) return false;

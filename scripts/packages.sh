@@ -11,6 +11,8 @@ build_packages=(
 )
 # To run it: the shell of its hooks, and a font for its windows.
 run_packages=(zsh fonts-dejavu-core)
+# To reach dongles over the air.
+bluetooth_packages=(bluez)
 # To play a takeover without a dongle or a second computer.
 stage_packages=(dbus-daemon xserver-xephyr xvfb xkb-data)
 # To test it.
@@ -20,7 +22,7 @@ test_packages=(clang-format clang-tidy libgtest-dev)
 missing_packages() {
     local package
     for package in "$@"; do
-        [ "$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null)" = installed ] ||
+        dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed ||
             printf '%s\n' "$package"
     done
 }

@@ -120,7 +120,7 @@ std::size_t AppState::activeIndex() const {
     return it == profiles->end() ? 0 : static_cast<std::size_t>(it - profiles->begin());
 }
 
-void AppState::switchProfile(const Uuid& to) {
+void AppState::switchProfile(Uuid to) {
     if (to == *activeProfileID || !hasProfile(*profiles, to)) return;
     const std::string deactivateCommand = activeProfile().deactivateCommand;
     activeProfileID = to;
@@ -137,7 +137,7 @@ void AppState::addProfile(const std::string& name) {
     saveProfiles();
 }
 
-void AppState::deleteProfile(const Uuid& id) {
+void AppState::deleteProfile(Uuid id) {
     // A stored list may hold an id twice; the list must not get empty by that either.
     if (std::ranges::count(*profiles, id, &Profile::id) == std::ssize(*profiles)) return;
     if (profiles->size() < 2) return;

@@ -69,13 +69,13 @@ public:
 
     /// Makes another profile active, stores that, and starts the hooks: the old profile's for its
     /// deactivation, then the new one's. Nothing happens for an unknown or the active profile.
-    void switchProfile(const Uuid& to);
+    void switchProfile(Uuid to);
 
     /// Appends an empty profile; an empty name becomes a numbered one.
     void addProfile(const std::string& name);
 
     /// Never the last one. Deleting the active one makes the first remaining one active: no hook.
-    void deleteProfile(const Uuid& id);
+    void deleteProfile(Uuid id);
 
     /// An empty name is ignored.
     void renameProfile(const Uuid& id, const std::string& to);

@@ -17,16 +17,28 @@
 #include <QApplication>
 
 #include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <utility>
 
 namespace {
 
 /// How long the end of the program waits for the daemon to take the last payloads.
 constexpr std::chrono::milliseconds lastWrites{150};
 
+/// While the main loop runs. The toolkit ends the process by itself when it loses the X server.
+quenthisar::EventTapController* running = nullptr;
+
+/// The target must not keep what is held down there.
+void releaseTarget() {
+    if (auto* controller = std::exchange(running, nullptr)) controller->stop();
+}
+
 } // namespace
 
 int main(int, char** argv) {
     using namespace quenthisar;
+    std::signal(SIGPIPE, SIG_IGN);
 
     // There are no command-line options, the toolkit's included.
     int argumentCount = 1;
@@ -51,10 +63,11 @@ int main(int, char** argv) {
     AppDelegate delegate(
         {queue, defaults, displays, taps, cursor, trust, central, loginItem, launcher, log});
     delegate.applicationDidFinishLaunching();
+    running = delegate.eventTap.get();
+    std::atexit(releaseTarget);
     const int result = QApplication::exec();
 
-    // The target must not keep what is held down there.
-    delegate.eventTap->stop();
+    releaseTarget();
     central.drain(lastWrites);
     return result;
 }

@@ -53,14 +53,14 @@ void DongleManager::startScan() {
     if (central.state() == CentralState::poweredOn) central.scanForPeripherals(serviceUUID);
 }
 
-void DongleManager::connect(const Uuid& id) {
+void DongleManager::connect(Uuid id) {
     userDisconnected.erase(id);
     if (inFlight != id && std::ranges::find(pendingConnects, id) == pendingConnects.end())
         pendingConnects.push_back(id);
     processQueue();
 }
 
-void DongleManager::disconnect(const Uuid& id) {
+void DongleManager::disconnect(Uuid id) {
     const auto it = peripherals.find(id);
     if (it == peripherals.end()) return;
     userDisconnected.insert(id);
@@ -164,7 +164,7 @@ void DongleManager::processQueue() {
         inFlight = id;
         updateState(id, DongleConnectionState::connecting);
         central.connect(it->second);
-        // Not cancelled by the attempt's end: it then finds another id in flight, or none.
+        // Not cancelled by the attempt's end: it belongs to the id, whatever attempt it meets.
         queue.after(connectTimeout, guard.bind([this, id] { finishInFlight(id); }));
     }
 }

@@ -36,10 +36,10 @@ public:
 
     /// Asks for a connection, which starts when its turn comes. An id that is then unknown, or
     /// whose peripheral is not disconnected, is dropped.
-    void connect(const Uuid& id);
+    void connect(Uuid id);
 
     /// The user's disconnection: the dongle is not connected automatically until `connect`.
-    void disconnect(const Uuid& id);
+    void disconnect(Uuid id);
 
     /// Wiggles the target's pointer for 0.6 s, if the dongle is ready meanwhile.
     void identify(const Uuid& id);

@@ -101,7 +101,7 @@ void EventTapController::stop() {
     appState.captureEnabled = false;
 }
 
-void EventTapController::takeOver(const Uuid& dongleID) {
+void EventTapController::takeOver(Uuid dongleID) {
     if (!tap || activeDongle) return;
     const Dongle* dongle = appState.dongle(dongleID);
     if (!dongle || dongle->state != DongleConnectionState::connected) return;

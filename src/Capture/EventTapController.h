@@ -20,6 +20,8 @@ public:
     /// Creates no tap. All four must outlive the controller.
     EventTapController(AppState& appState, DongleManager& dongleManager, EventTaps& taps,
                        Cursor& cursor);
+    EventTapController(const EventTapController&) = delete;
+    EventTapController& operator=(const EventTapController&) = delete;
 
     /// Starts capture. Nothing happens if it runs, or if the system refuses the tap.
     void start();
@@ -29,7 +31,7 @@ public:
 
     /// Takes over without an edge. Nothing happens unless capture runs, no takeover does, and the
     /// dongle is connected.
-    void takeOver(const Uuid& dongleID);
+    void takeOver(Uuid dongleID);
 
 private:
     struct EdgeHit {

@@ -63,7 +63,7 @@ std::optional<std::string> AutostartItem::registerItem() {
                                         "Name=Quenthisar\n"
                                         "Exec=%1\n")
                              .arg(execArgument(program));
-    entry.open(QIODevice::WriteOnly);
+    if (!entry.open(QIODevice::WriteOnly)) return entry.errorString().toStdString();
     entry.write(text.toUtf8());
     if (!entry.commit()) return entry.errorString().toStdString();
     return std::nullopt;

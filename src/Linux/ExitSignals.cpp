@@ -30,7 +30,12 @@ void handle(void (*handler)(int)) {
     struct sigaction action {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
-    for (const int number : exitSignals) ::sigaction(number, &action, nullptr);
+    for (const int number : exitSignals) {
+        struct sigaction before {};
+        // What was ignored from the start (nohup) stays so.
+        if (::sigaction(number, nullptr, &before) == 0 && before.sa_handler != SIG_IGN)
+            ::sigaction(number, &action, nullptr);
+    }
 }
 
 } // namespace

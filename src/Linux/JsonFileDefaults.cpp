@@ -11,6 +11,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
 #include <type_traits>
 
 namespace quenthisar {
@@ -49,6 +50,11 @@ DefaultsValue readValue(const Json& json) {
     return {std::move(dictionary)};
 }
 
+bool isRepresentable(const DefaultsValue& value) {
+    const auto* number = std::get_if<double>(&value.value);
+    return !number || std::isfinite(*number);
+}
+
 Json written(const DefaultsValue& value) {
     return std::visit(
         [](const auto& alternative) -> Json {
@@ -61,7 +67,9 @@ Json written(const DefaultsValue& value) {
                 return {{dataMember, bytes.toBase64().toStdString()}};
             } else if constexpr (std::is_same_v<Alternative, DefaultsDictionary>) {
                 Json dictionary = Json::object();
-                for (const auto& [key, entry] : alternative) dictionary[key] = written(entry);
+                // What JSON has no number for would spoil the whole dictionary when it is read.
+                for (const auto& [key, entry] : alternative)
+                    if (isRepresentable(entry)) dictionary[key] = written(entry);
                 return dictionary;
             } else {
                 return alternative;
@@ -122,9 +130,12 @@ void JsonFileDefaults::set(std::string_view key, DefaultsValue value) {
 bool JsonFileDefaults::write() {
     if (!mayReplace) return false;
     const QString folder = QFileInfo(path).path();
-    if (!QDir().mkpath(folder) || !QFile::setPermissions(folder, folderOwnerOnly)) return false;
+    if (!QDir().mkpath(folder)) return false;
     QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || !file.setPermissions(ownerOnly)) return false;
+    if (!file.open(QIODevice::WriteOnly)) return false;
+    // Some file systems have no permissions; the settings are stored there all the same.
+    QFile::setPermissions(folder, folderOwnerOnly);
+    file.setPermissions(ownerOnly);
     // Text that is no UTF-8 is stored with replacement characters rather than not at all.
     const std::string text = root->dump(4, ' ', false, Json::error_handler_t::replace) + '\n';
     file.write(text.data(), static_cast<qint64>(text.size()));

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
-#include <cstdint>
 #include <fcntl.h>
 #include <memory>
 #include <poll.h>
@@ -19,7 +18,7 @@ namespace quenthisar {
 namespace {
 
 /// What goes through the pipe: the address of a description, which the thread then owns.
-using Order = std::uintptr_t;
+using Order = void*;
 
 /// What a started program gets: no descriptor of ours but the standard streams, and every signal
 /// as a program expects it.
@@ -82,10 +81,11 @@ public:
 
 private:
     bool takeOrder() {
-        Order order = 0;
-        if (::read(watched.front().fd, &order, sizeof order) != sizeof order) return false;
-        const std::unique_ptr<ProcessDescription> process(
-            reinterpret_cast<ProcessDescription*>(order));
+        Order order = nullptr;
+        const auto length = ::read(watched.front().fd, &order, sizeof order);
+        if (length < 0 && (errno == EAGAIN || errno == EINTR)) return true;
+        if (length != sizeof order) return false;
+        const std::unique_ptr<ProcessDescription> process(static_cast<ProcessDescription*>(order));
         const pid_t pid = settings.start(std::move(*process));
         if (pid == 0) return true;
         const auto descriptor = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
@@ -125,7 +125,7 @@ SpawnLauncher::~SpawnLauncher() {
 void SpawnLauncher::launch(ProcessDescription process) {
     if (orders < 0) return;
     auto ours = std::make_unique<ProcessDescription>(std::move(process));
-    const auto order = reinterpret_cast<Order>(ours.get());
+    const Order order = ours.get();
     // It goes into the pipe whole or, when thousands wait there, not at all.
     if (::write(orders, &order, sizeof order) == sizeof order)
         static_cast<void>(ours.release()); // the thread's now

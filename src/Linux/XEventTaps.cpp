@@ -7,15 +7,19 @@ namespace quenthisar {
 
 namespace {
 
+/// Notifications about the tap itself are no events of the mask.
+bool isWanted(EventType type, std::uint64_t mask) {
+    const auto number = static_cast<std::uint32_t>(type);
+    return number >= 64 || (mask >> number & 1) != 0;
+}
+
 class XTap final : public EventTap {
 public:
     XTap(XInputSession& input, std::uint64_t mask, TapCallback callback, std::shared_ptr<void> seat)
-        : session(input),
-          receiver(std::make_shared<XInputSession::Receiver>(
-              [mask, callback = std::move(callback)](const TapEvent& event) {
-                  const auto bit = std::uint64_t{1} << static_cast<std::uint32_t>(event.type);
-                  if (mask & bit) callback(event);
-              })),
+        : session(input), receiver(std::make_shared<XInputSession::Receiver>(
+                              [mask, callback = std::move(callback)](const TapEvent& event) {
+                                  if (isWanted(event.type, mask)) callback(event);
+                              })),
           occupied(std::move(seat)) {}
     ~XTap() override { enable(false); }
 

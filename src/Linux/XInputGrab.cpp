@@ -76,7 +76,6 @@ void XInputGrab::end() {
         xcb_input_xi_ungrab_device(connection.get(), XCB_CURRENT_TIME, masters.keyboard);
     keyboardIsOurs = pointerIsOurs = false;
     kept.reset();
-    connection.flush();
 }
 
 void XInputGrab::attempt() {

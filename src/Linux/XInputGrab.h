@@ -31,15 +31,13 @@ public:
 
     /// False, without effect, when the connection is lost.
     bool begin(XPointers::Masters devices);
-    /// Lets go of everything; the pointer goes back to where it was held.
+    /// Lets go of everything; the pointer goes back to where it was held. The caller flushes.
     void end();
 
     /// Tries to get what is still pending.
     void attempt();
 
     bool isActive() const { return kept != nullptr; }
-    bool hasKeyboard() const { return keyboardIsOurs; }
-    bool hasPointer() const { return pointerIsOurs; }
     bool isPending() const { return isActive() && !(keyboardIsOurs && pointerIsOurs); }
 
     /// Where the pointer is held, in the root window, and the buttons that were down then (bit n

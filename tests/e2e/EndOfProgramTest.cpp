@@ -60,6 +60,20 @@ TEST_P(EndOfProgram, LeavesNothingBehindThatTheNextStartWouldMeet) {
     EXPECT_TRUE(targetGetsText(QStringLiteral("Again")));
 }
 
+using LossOfTheServer = StageFixture;
+
+TEST_F(LossOfTheServer, EndsTheProgramAndReleasesTheTarget) {
+    stage->hands.key(keyCode(u'k'), true);
+    stage->hands.button(3, true);
+    const auto isHeld = [&] {
+        return stage->target.held() == demo::XClient::Held{.keys = {keyCode(u'k')}, .buttons = {3}};
+    };
+    ASSERT_TRUE(waitUntil(isHeld, soon));
+    stage->endHostServer();
+    EXPECT_TRUE(stage->rig.quenthisar().waitForEnd(atOnce));
+    EXPECT_TRUE(nothingIsHeldOnTarget());
+}
+
 INSTANTIATE_TEST_SUITE_P(Signals, EndOfProgram,
                          testing::Values(EndCase{"Kill", SIGKILL, -1, false},
                                          EndCase{"Term", SIGTERM, 0, true},

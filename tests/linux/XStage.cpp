@@ -68,10 +68,10 @@ Injector::Pointer Injector::pointer() const {
     return reply ? Pointer{reply->root_x, reply->root_y} : Pointer{-1, -1};
 }
 
-bool Injector::isCapsLockOn() const {
+int Injector::modifiers() const {
     const XOwned<xcb_query_pointer_reply_t> reply{xcb_query_pointer_reply(
         connection->get(), xcb_query_pointer(connection->get(), connection->root()), nullptr)};
-    return reply && (reply->mask & XCB_MOD_MASK_LOCK);
+    return reply ? reply->mask & 0xFF : -1;
 }
 
 void Injector::killAllBut(const Witness& witness) const {

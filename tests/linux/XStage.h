@@ -42,7 +42,8 @@ public:
         bool operator==(const Pointer&) const = default;
     };
     Pointer pointer() const;
-    bool isCapsLockOn() const;
+    /// X's modifier bits that are on; -1 if the server is gone.
+    int modifiers() const;
     void killAllBut(const Witness& witness) const;
     /// Everything asked for has been done.
     void sync() const;

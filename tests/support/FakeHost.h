@@ -6,6 +6,7 @@
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SystemLog.h"
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,9 +48,13 @@ private:
 
 class FakeProcessLauncher final : public ProcessLauncher {
 public:
-    void launch(ProcessDescription process) override { launched.push_back(std::move(process)); }
+    void launch(ProcessDescription process) override {
+        launched.push_back(std::move(process));
+        if (onLaunch) onLaunch();
+    }
 
     std::vector<ProcessDescription> launched;
+    std::function<void()> onLaunch;
 };
 
 class FakeSystemLog final : public SystemLog {

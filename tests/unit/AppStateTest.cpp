@@ -45,7 +45,10 @@ TEST(AppState, StartsWithOneDefaultProfileThatIsStored) {
               (Profile{state.profiles->front().id, "Default", {}, "", "", ""}));
     EXPECT_EQ(*state.activeProfileID, state.profiles->front().id);
     EXPECT_EQ(decodeProfiles(f.defaults.data("profiles")), *state.profiles);
-    EXPECT_FALSE(f.defaults.values.contains("activeProfile"));
+    EXPECT_EQ(f.defaults.writes,
+              (std::vector<std::string>{"profiles", "cornerSlam", "autoConnect", "autoCapture",
+                                        "hudEnabled", "allowSharedEdges"}))
+        << "no active profile yet, and nothing of the host's";
     for (const char* key : {"cornerSlam", "autoConnect", "autoCapture", "allowSharedEdges"})
         EXPECT_EQ(valueOf<bool>(f.defaults, key), false) << key;
     EXPECT_EQ(valueOf<bool>(f.defaults, "hudEnabled"), true);

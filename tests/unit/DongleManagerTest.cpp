@@ -75,10 +75,13 @@ TEST(DongleManager, ScansWhenBluetoothIsOnAndNamesItsState) {
 
 TEST(DongleManager, ConnectsAndProbesOnceWithTheOnlyRequestOfTheLink) {
     Fixture f({A});
+    int changes = 0;
+    const auto signal = f.state.objectWillChange.subscribe([&] { ++changes; });
     f.manager->connect(A);
     EXPECT_EQ(f.stateOf(A), connecting);
     f.clock.settle();
     EXPECT_EQ(f.stateOf(A), connected);
+    EXPECT_EQ(changes, 2) << "one assignment for each state";
     const Payload keys = Report::keyboard(1, {});
     f.manager->send(keys, A);
     f.manager->send(Report::mouse({}), A);
@@ -236,6 +239,19 @@ TEST(DongleManager, LeavesADongleThatTheUserDisconnectedAloneUntilConnect) {
     f.central.drop(f.peripheral(A));
     f.clock.advance(1s);
     EXPECT_EQ(f.central.attempts.size(), 3U) << "connect took the mark away";
+}
+
+TEST(DongleManager, ConnectTakesTheMarkAwayFromTheAttemptThatIsBeingCancelled) {
+    Fixture f;
+    f.bind(A);
+    f.peripheral(A)->answersConnect = false;
+    f.central.discover(f.peripheral(A));
+    f.manager->disconnect(A);
+    f.manager->connect(A);
+    f.clock.advance(999ms);
+    EXPECT_EQ(f.central.attempts, Ids{A}) << "it was in flight: nothing was queued";
+    f.clock.advance(1ms);
+    EXPECT_EQ(f.central.attempts, (Ids{A, A})) << "a drop like any other";
 }
 
 TEST(DongleManager, DisconnectTakesAPendingRequestBack) {

@@ -57,9 +57,9 @@ TEST(Profiles, ASwitchPublishesThenStoresThenStartsBothHooks) {
         EXPECT_TRUE(f.defaults.writes.empty());
         EXPECT_TRUE(f.launcher.launched.empty());
     });
+    f.launcher.onLaunch = [&] { EXPECT_EQ(f.defaults.writes, Texts{"activeProfile"}); };
     f.state.switchProfile(Q);
     EXPECT_EQ(f.state.activeProfile().name, "Q");
-    EXPECT_EQ(f.defaults.writes, Texts{"activeProfile"});
     EXPECT_EQ(valueOf<std::string>(f.defaults, "activeProfile"), Q.text());
     EXPECT_EQ(f.launcher.launched,
               (std::vector<ProcessDescription>{shell("P off"), shell("Q on")}));
@@ -113,7 +113,8 @@ TEST(Profiles, DeletingTheActiveOnePublishesTheFirstButStoresNoChoice) {
 
 TEST(Profiles, TheLastOneStays) {
     Fixture f;
-    f.state.deleteProfile(P);
+    f.state.deleteProfile(f.state.profiles->front().id); // an id of the list that is replaced
+    EXPECT_EQ(f.state.activeProfile().name, "Q");
     f.state.deleteProfile(Q);
     f.defaults.writes.clear();
     f.state.deleteProfile(R);
@@ -146,6 +147,8 @@ TEST(Profiles, AChangeInPlaceIsOneAssignment) {
     EXPECT_EQ(changes, 1);
     f.state.setNickname("Desk", A);
     EXPECT_EQ(changes, 2);
+    f.state.setSensitivity(2.0, A);
+    EXPECT_EQ(changes, 3);
     EXPECT_EQ(f.state.profiles->front().targetCommand, "cmd+l ");
     EXPECT_TRUE(f.isStored());
 }

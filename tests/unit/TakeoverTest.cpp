@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 namespace quenthisar {
 namespace {
 
@@ -44,12 +46,20 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 TEST(Takeover, PointsUpToTwoOutsideADisplayBelongToIt) {
-    TakeoverFixture f;
-    f.state.allowSharedEdges = true; // the whole length counts, corners beyond it too
-    f.bind(A, Edge::left);
-    EXPECT_EQ(f.moveTo(-2.5, 500), passOn);
-    EXPECT_EQ(f.moveTo(-2, -2.5), passOn);
-    EXPECT_EQ(f.moveTo(-2, -2), swallow);
+    struct Row {
+        Edge edge;
+        Point outside, inside;
+    };
+    for (const auto& [edge, outside, inside] : {Row{Edge::left, {-2.5, 500}, {-2, 500}},
+                                                {Edge::left, {-2, -2.5}, {-2, -2}},
+                                                {Edge::right, {1922.5, 500}, {1922, 500}},
+                                                {Edge::right, {1922, 1082.5}, {1922, 1082}}}) {
+        TakeoverFixture f;
+        f.state.allowSharedEdges = true; // the whole length counts, corners beyond it too
+        f.bind(A, edge);
+        EXPECT_EQ(f.moveTo(outside.x, outside.y), passOn) << outside.x << ' ' << outside.y;
+        EXPECT_EQ(f.moveTo(inside.x, inside.y), swallow) << inside.x << ' ' << inside.y;
+    }
 }
 
 TEST(Takeover, ACornerTriesItsEdgesInOrderUntilOneLeadsSomewhere) {
@@ -65,6 +75,22 @@ TEST(Takeover, ACornerTriesItsEdgesInOrderUntilOneLeadsSomewhere) {
     leftIsGone.central.drop(leftIsGone.dongles[B]);
     leftIsGone.moveTo(0, 0);
     EXPECT_EQ(*leftIsGone.state.takeover, (Takeover{A, Edge::top, "D1"}));
+}
+
+TEST(Takeover, OnATinyDisplayLeftComesBeforeRightAndTopBeforeBottom) {
+    TakeoverFixture f;
+    f.displays.list.clear();
+    f.addDisplay("D9", {0, 0, 3, 3});
+    f.state.allowSharedEdges = true;
+    const std::array order{Edge::left, Edge::right, Edge::top, Edge::bottom};
+    for (const auto edge : order) f.bind(A, edge, "D9");
+    for (const auto edge : order) {
+        f.moveTo(1, 1);
+        EXPECT_EQ(*f.state.takeover, (Takeover{A, edge, "D9"})) << rawText(edge);
+        f.flags(chord);
+        f.moveTo(50, 50);
+        f.state.setBinding("D9", edge, std::nullopt);
+    }
 }
 
 TEST(Takeover, OnlyExposedStretchesCountUnlessSharedEdgesAreAllowed) {
@@ -85,6 +111,10 @@ TEST(Takeover, TheEarlierOfTwoDisplaysWins) {
     f.state.allowSharedEdges = true;
     f.addDisplay("D2", {1920, 0, 800, 500});
     f.bind(B, Edge::left, "D2");
+    f.moveTo(1919, 250);
+    EXPECT_EQ((*f.state.takeover)->screenUUID, "D2") << "the earlier one leads nowhere";
+    f.flags(chord);
+    f.moveTo(50, 50);
     f.bind(A, Edge::right);
     f.moveTo(1919, 250);
     EXPECT_EQ((*f.state.takeover)->screenUUID, "D1");
@@ -132,6 +162,17 @@ TEST(Takeover, TheChordReleasesEverythingThenGivesTheCursorBack) {
     EXPECT_EQ(order, std::vector<std::string>{"takeover none in Zandrovelkin (AAAA)"});
     EXPECT_EQ(*f.state.activeMode, "Local");
     EXPECT_EQ(f.flags(EventFlags::control), passOn);
+}
+
+TEST(Takeover, HasEndedBeforeItsObserversHearOfIt) {
+    TakeoverFixture f;
+    f.controller.takeOver(A);
+    const auto stream = f.state.takeover.subscribe([&](const auto& value) {
+        if (!value) f.controller.stop();
+    });
+    f.flags(chord);
+    EXPECT_EQ(f.sent(), released) << "once";
+    EXPECT_EQ(f.taps.calls, (std::vector<std::string>{"freeze", "hide", "unfreeze", "show"}));
 }
 
 TEST(Takeover, AfterAReturnThePointerMustLeaveTheEdgeOnce) {
