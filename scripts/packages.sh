@@ -16,7 +16,7 @@ bluetooth_packages=(bluez)
 # To play a takeover without a dongle or a second computer.
 stage_packages=(dbus-daemon xserver-xephyr xvfb xkb-data)
 # To test it.
-test_packages=(clang-format clang-tidy libgtest-dev)
+test_packages=(clang-format clang-tidy libgtest-dev x11-xkb-utils x11-xserver-utils)
 
 # missing_packages PACKAGE...: those that are not installed.
 missing_packages() {
