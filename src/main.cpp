@@ -9,6 +9,7 @@
 #include "Linux/SpawnLauncher.h"
 #include "Linux/StandardErrorLog.h"
 #include "Linux/X11AccessibilityTrust.h"
+#include "Linux/XConnection.h"
 #include "Linux/XCursor.h"
 #include "Linux/XDisplays.h"
 #include "Linux/XEventTaps.h"
@@ -40,6 +41,13 @@ int main(int, char** argv) {
     using namespace quenthisar;
     std::signal(SIGPIPE, SIG_IGN);
 
+    StandardErrorLog log;
+    // The toolkit would abort. Under Wayland it has a display, and the user gets a prompt.
+    if (!XConnection::open() && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        log.log("Quenthisar: there is no display; it needs an X11 session");
+        return EXIT_FAILURE;
+    }
+
     // There are no command-line options, the toolkit's included.
     int argumentCount = 1;
     const QApplication application(argumentCount, argv);
@@ -48,7 +56,6 @@ int main(int, char** argv) {
     const ExitSignals exitSignals([] { QApplication::quit(); });
 
     QtMainQueue queue;
-    StandardErrorLog log;
     JsonFileDefaults defaults(JsonFileDefaults::standardPath(), log);
     DesktopSpace space;
     XDisplays displays(space);
