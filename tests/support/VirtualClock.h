@@ -25,7 +25,7 @@ public:
 
     std::unique_ptr<RepeatingTimer> every(Seconds interval, std::function<void()> action) override {
         auto timer = std::make_unique<Timer>();
-        repeat(std::chrono::round<Nanoseconds>(interval), timer->alive, std::move(action));
+        repeat(std::chrono::round<Nanoseconds>(interval), timer->alive, action);
         return timer;
     }
 

@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <regex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -51,13 +51,15 @@ struct Include {
 };
 
 std::vector<Include> includesOf(const fs::path& file) {
-    static const std::regex pattern(R"rx(^\s*#\s*include\s*([<"])([^>"]+)[>"])rx");
+    constexpr std::string_view directive = "#include ";
     std::vector<Include> includes;
     std::ifstream in(file);
-    std::smatch match;
-    for (std::string line; std::getline(in, line);)
-        if (std::regex_search(line, match, pattern))
-            includes.push_back({match[2], match[1] == "\""});
+    for (std::string line; std::getline(in, line);) {
+        if (!line.starts_with(directive)) continue;
+        const auto end = line.find_first_of("\">", directive.size() + 1);
+        includes.push_back({line.substr(directive.size() + 1, end - directive.size() - 1),
+                            line[directive.size()] == '"'});
+    }
     return includes;
 }
 

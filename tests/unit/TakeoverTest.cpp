@@ -112,12 +112,12 @@ TEST(Takeover, TheEarlierOfTwoDisplaysWins) {
     f.addDisplay("D2", {1920, 0, 800, 500});
     f.bind(B, Edge::left, "D2");
     f.moveTo(1919, 250);
-    EXPECT_EQ((*f.state.takeover)->screenUUID, "D2") << "the earlier one leads nowhere";
+    EXPECT_EQ(*f.state.takeover, (Takeover{B, Edge::left, "D2"})) << "D1 leads nowhere";
     f.flags(chord);
     f.moveTo(50, 50);
     f.bind(A, Edge::right);
     f.moveTo(1919, 250);
-    EXPECT_EQ((*f.state.takeover)->screenUUID, "D1");
+    EXPECT_EQ(*f.state.takeover, (Takeover{A, Edge::right, "D1"}));
 }
 
 TEST(Takeover, NothingCrossesWithoutABindingAConnectionOrCapture) {

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Model/Takeover.h"
+#include "Platform/EventTap.h"
+#include "support/FakeCentral.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace quenthisar {
+
+/// Sees what comes of the things that happen in a `World`, each as it comes.
+class Witness {
+public:
+    virtual ~Witness() = default;
+
+    virtual void willPost(const TapEvent&) {}
+    virtual void posted(const TapEvent&, TapVerdict) {}
+    virtual void wrote(const Write&) {}
+    /// Of the central: "connect" or "cancel".
+    virtual void requested(std::string_view, const Uuid&) {}
+    /// The field still holds the takeover before.
+    virtual void takeoverWillBe(const std::optional<Takeover>&) {}
+    virtual void linkLost(const Uuid&) {}
+    /// All of the above but input and payloads, and everything else, in words.
+    virtual void happened(const std::string&) {}
+};
+
+} // namespace quenthisar
