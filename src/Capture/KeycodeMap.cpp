@@ -2,10 +2,13 @@
 #include "Capture/KeycodeMap.h"
 
 #include "Platform/EventTap.h"
+#include "Support/Text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <string>
+#include <utility>
 
 namespace quenthisar::KeycodeMap {
 
@@ -135,6 +138,31 @@ constexpr auto characters = std::to_array<AsciiRow>({
     {'~', shift, 0x35},
 });
 
+struct Replacement {
+    std::int32_t scalar;
+    std::u32string_view text;
+};
+
+constexpr auto replacements = std::to_array<Replacement>({
+    {'\r', U"\n"},
+    {0x201C, U"\""},  // left double quotation mark
+    {0x201D, U"\""},  // right double quotation mark
+    {0x201E, U"\""},  // double low-9 quotation mark
+    {0x2018, U"'"},   // left single quotation mark
+    {0x2019, U"'"},   // right single quotation mark
+    {0x201A, U"'"},   // single low-9 quotation mark
+    {0x2014, U"-"},   // em dash
+    {0x2013, U"-"},   // en dash
+    {0x2012, U"-"},   // figure dash
+    {0x2026, U"..."}, // horizontal ellipsis
+    {0x2022, U"*"},   // bullet
+    {0x00A0, U" "},   // no-break space
+});
+
+constexpr bool isTypeable(char32_t scalar) {
+    return scalar == '\t' || scalar == '\n' || (scalar >= 32 && scalar <= 126);
+}
+
 /// The rows as a table that is indexed by `key`, 0 where there is no row. Two rows with one key, or
 /// a key outside the table, fail to compile.
 template <class Value, std::size_t size, class Row, std::size_t count, class Key>
@@ -190,6 +218,28 @@ std::optional<Keypress> usbKeypress(std::uint8_t forASCII) {
     });
     if (it == characters.end()) return std::nullopt;
     return Keypress{it->modifier, it->usage};
+}
+
+std::vector<std::uint8_t> asciiBytes(std::string_view from, std::size_t limit) {
+    std::vector<std::uint8_t> bytes;
+    std::u32string folded;
+    bool afterReturn = false;
+    Text::forEachScalar(from, [&](std::int32_t scalar) {
+        if (bytes.size() >= limit) return false;
+        const bool endsReturn = std::exchange(afterReturn, scalar == '\r') && scalar == '\n';
+        if (endsReturn) return true;
+        folded.clear();
+        const auto it = std::ranges::find(replacements, scalar, &Replacement::scalar);
+        if (it != replacements.end())
+            folded = it->text;
+        else
+            Text::appendFolded(scalar, folded);
+        for (const char32_t c : folded)
+            if (isTypeable(c) && bytes.size() < limit)
+                bytes.push_back(static_cast<std::uint8_t>(c));
+        return true;
+    });
+    return bytes;
 }
 
 } // namespace quenthisar::KeycodeMap

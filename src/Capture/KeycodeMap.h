@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string_view>
+#include <vector>
 
 namespace quenthisar {
 
@@ -32,6 +35,11 @@ std::uint8_t modifierByte(std::uint64_t from);
 /// The keypress that types an ASCII character on a US layout. None for control characters other
 /// than tab and line feed.
 std::optional<Keypress> usbKeypress(std::uint8_t forASCII);
+
+/// What can be typed of a text (UTF-8): at most `limit` bytes, each tab, line feed or 32 to 126.
+/// Line ends become line feeds, typographic signs their ASCII forms, letters lose their accents and
+/// full-width forms their width; everything else is left out and does not count.
+std::vector<std::uint8_t> asciiBytes(std::string_view from, std::size_t limit);
 
 } // namespace KeycodeMap
 } // namespace quenthisar

@@ -7,6 +7,7 @@
 
 #include <map>
 #include <set>
+#include <string>
 #include <string_view>
 
 namespace quenthisar {
@@ -73,6 +74,30 @@ TEST(KeycodeMap, TypesWhatAUsKeyboardTypes) {
     for (int byte = 0; byte < 256; ++byte)
         if (KeycodeMap::usbKeypress(static_cast<std::uint8_t>(byte))) --typed;
     EXPECT_EQ(typed, 0U) << "nothing else has a keypress";
+}
+
+std::string typeable(std::string_view text, std::size_t limit = 1'000) {
+    const auto bytes = KeycodeMap::asciiBytes(text, limit);
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST(KeycodeMap, MakesTextTypeable) {
+    EXPECT_EQ(typeable("a\r\nb\rc\n\r\r\nd\t"), "a\nb\nc\n\n\nd\t");
+    EXPECT_EQ(typeable("\u201CHi\u201D \u201E\u2018\u2019\u201A"), "\"Hi\" \"'''");
+    EXPECT_EQ(typeable("\u2014\u2013\u2012\u2026\u2022\u00A0."), "---...* .");
+    EXPECT_EQ(typeable("caf\u00E9 cafe\u0301 \uFF21\uFF01"), "cafe cafe A!");
+    EXPECT_EQ(typeable("\u20AC\U0001F600\u00BD\uFB01\u00DF\x7F\x1B"), "");
+    EXPECT_EQ(typeable("a\xFF"
+                       "b\xE2\x80"),
+              "ab")
+        << "no UTF-8";
+}
+
+TEST(KeycodeMap, StopsAtTheLimitAndDoesNotCountWhatIsLeftOut) {
+    EXPECT_EQ(typeable("abc", 2), "ab");
+    EXPECT_EQ(typeable("a\u20ACbc", 2), "ab");
+    EXPECT_EQ(typeable("a\u2026", 3), "a..");
+    EXPECT_EQ(typeable("a", 0), "");
 }
 
 } // namespace
