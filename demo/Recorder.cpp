@@ -50,4 +50,13 @@ bool waitUntil(const std::function<bool()>& isSo, std::chrono::milliseconds limi
     return true;
 }
 
+bool retry(const std::function<bool()>& attempt, std::chrono::milliseconds limit) {
+    QElapsedTimer elapsed;
+    elapsed.start();
+    do {
+        if (attempt()) return true;
+    } while (elapsed.elapsed() < limit.count());
+    return false;
+}
+
 } // namespace quenthisar::demo

@@ -35,5 +35,7 @@ private:
 
 /// Tries until it is so; false after `limit`. For what no program tells of: the state of a server.
 bool waitUntil(const std::function<bool()>& isSo, std::chrono::milliseconds limit);
+/// Calls `attempt`, which waits by itself, until it succeeds; false after `limit`.
+bool retry(const std::function<bool()>& attempt, std::chrono::milliseconds limit);
 
 } // namespace quenthisar::demo

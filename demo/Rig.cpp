@@ -28,7 +28,8 @@ Rig::Rig(Options given)
     : options(std::move(given)),
       dongleProgram(options.programs.dongle,
                     {QStringLiteral("--address"), dongleAddress, QStringLiteral("--name"),
-                     QStringLiteral("Target"), QStringLiteral("--display"), options.targetDisplay},
+                     QStringLiteral("Target"), QStringLiteral("--display"), options.targetDisplay,
+                     QStringLiteral("--line-delay"), QString::number(options.lineDelay.count())},
                     {{QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()}}) {
     if (options.ownSession) sessionBus.emplace();
     if (options.onDongleLine) dongleProgram.onLine(options.onDongleLine);
@@ -63,11 +64,15 @@ ChildProcess::Environment Rig::environment() const {
     return result;
 }
 
+std::unique_ptr<ChildProcess> Rig::startOnceMore() const {
+    return std::make_unique<ChildProcess>(options.programs.quenthisar, QStringList{},
+                                          environment());
+}
+
 void Rig::startProgram() {
     program.reset();
     const auto mark = dongleProgram.mark();
-    program =
-        std::make_unique<ChildProcess>(options.programs.quenthisar, QStringList{}, environment());
+    program = startOnceMore();
     const auto isProbed = [](const QStringList& lines) {
         return std::ranges::any_of(reportLines(lines), &ReportLine::isProbe);
     };
@@ -76,7 +81,9 @@ void Rig::startProgram() {
     };
     if (!waitUntil(isDecided, startLimit))
         throw std::runtime_error("the program does not connect to the dongle");
-    if (!program->isRunning()) throw std::runtime_error("the program does not start");
+    if (program->isRunning()) return;
+    throw std::runtime_error(program->waitForEnd(0ms) == 0 ? "the program runs already"
+                                                           : "the program does not start");
 }
 
 } // namespace quenthisar::demo

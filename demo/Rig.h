@@ -28,6 +28,8 @@ public:
         /// False on somebody's own desktop: the program gets its session as it is.
         bool ownSession = true;
         ChildProcess::LineHandler onDongleLine{};
+        /// How long the dongle's lines wait to be written together.
+        std::chrono::milliseconds lineDelay{0};
     };
 
     /// Starts the dongle, not the program. Throws std::runtime_error if something doesn't start.
@@ -36,6 +38,8 @@ public:
     /// Starts the program, anew if it ended, and waits until it has connected to the dongle. Throws
     /// std::runtime_error if it doesn't.
     void startProgram();
+    /// Starts the program as the user does who does not see that it runs.
+    std::unique_ptr<ChildProcess> startOnceMore() const;
     /// Ends the program as a session manager does. Without effect if it doesn't run.
     void endProgram() { program.reset(); }
 
@@ -43,6 +47,8 @@ public:
     /// Only after `startProgram`.
     ChildProcess& quenthisar() { return *program; }
     QString displayUuid() const { return boundDisplay; }
+    /// Where the dongle can be asked for faults, and whoever else the program should find.
+    QString systemBusAddress() const { return systemBus.address(); }
 
 private:
     ChildProcess::Environment environment() const;

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Crossing.h"
 #include "Desk.h"
 #include "FrameBuffer.h"
-#include "Hands.h"
-#include "Rig.h"
 #include "XClient.h"
 
 namespace quenthisar::demo {
@@ -22,24 +21,19 @@ public:
     /// Starts everything but the program. Throws std::runtime_error if something doesn't start.
     explicit Stage(const Options& options);
 
-    /// Moves the pointer onto the bound edge, again and again, until its motion arrives at the
-    /// dongle. Capture starts by itself some time after the program does, and nothing tells when.
-    /// All that it did has arrived when it returns.
-    bool cross(std::chrono::milliseconds limit);
-    /// Presses the three keys that return to the host, and lets go of them.
-    void pressReturnChord() const { hands.chord(chord); }
+    /// As in `Crossing`.
+    bool cross(std::chrono::milliseconds limit) { return crossing.enter(limit); }
+    void pressReturnChord() const { crossing.pressReturnChord(); }
+    bool hostPointerMoves(std::chrono::milliseconds limit) const {
+        return crossing.hostPointerMoves(limit);
+    }
 
-    /// Whether motion moves the host's pointer; it ends away from the bound edge.
-    bool hostPointerMoves(std::chrono::milliseconds limit);
     /// Whether a key typed at the host arrives at its desk.
     bool hostKeyboardWorks(std::chrono::milliseconds limit);
     void endHostServer() { hostServer.kill(); }
     bool hostShowsCursor() const { return hostFrames.showsCursor(host); }
 
 private:
-    /// In a takeover: taps a modifier and waits for it, so that all motion before it has arrived.
-    bool settle();
-
     QTemporaryDir frameFolder;
     XServer hostServer, targetServer;
     FrameBuffer hostFrames;
@@ -51,7 +45,7 @@ public:
     Rig rig;
 
 private:
-    const QList<std::uint8_t> chord;
+    Crossing crossing;
 };
 
 } // namespace quenthisar::demo

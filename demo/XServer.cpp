@@ -34,8 +34,11 @@ QStringList arguments(const QString& size, const QString& frameBufferFolder) {
 } // namespace
 
 XServer::XServer(const QString& size, const QString& frameBufferFolder)
-    : process(QStringLiteral("Xvfb"), arguments(size, frameBufferFolder), {}, pathOf(errors)),
-      displayName(u':' + firstLine(process, "Xvfb", errors)) {}
+    : XServer(QStringLiteral("Xvfb"), arguments(size, frameBufferFolder)) {}
+
+XServer::XServer(const QString& program, const QStringList& arguments)
+    : process(program, arguments, {}, pathOf(errors)),
+      displayName(u':' + firstLine(process, qPrintable(program), errors)) {}
 
 NestedXServer::NestedXServer(QSize size, const QString& title)
     : process(QStringLiteral("Xephyr"),

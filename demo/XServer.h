@@ -8,13 +8,16 @@
 
 namespace quenthisar::demo {
 
-/// An X server of our own without a screen that anybody sees (Xvfb). It serves until destroyed.
+/// An X server of our own without a screen that anybody sees (Xvfb, if nothing else is asked for).
+/// It serves until destroyed.
 class XServer {
 public:
     /// `size` in pixels, such as "1280x800". Throws std::runtime_error if it does not start. Given
     /// a folder, it keeps its frame buffer there as a file (see FrameBuffer).
     explicit XServer(const QString& size = QStringLiteral("1280x800"),
                      const QString& frameBufferFolder = {});
+    /// Another program that serves X; it writes its number to its standard output.
+    XServer(const QString& program, const QStringList& arguments);
 
     /// What DISPLAY must be for its clients.
     QString display() const { return displayName; }

@@ -2,7 +2,6 @@
 // Shows a takeover without hardware. Ends with 0 only if what it shows is so.
 #include "Binding.h"
 #include "Interrupt.h"
-#include "Latency.h"
 #include "RuntimeFolder.h"
 #include "Story.h"
 #include "TargetWindow.h"
@@ -42,8 +41,6 @@ bool run(const QCommandLineParser& parser, const Programs& programs) {
     if (parser.isSet(QStringLiteral("virtual"))) return runTargetWindow(programs, picture);
     if (parser.isSet(QStringLiteral("settings")))
         return printSettings(parser.value(QStringLiteral("settings")));
-    if (parser.isSet(QStringLiteral("latency")))
-        return measureLatency(programs, parser.value(QStringLiteral("latency")).toInt());
     // Whatever waits in vain in spite of all limits: the children end with their parent.
     std::signal(SIGALRM, [](int) { ::_exit(1); });
     ::alarm(longestPlay);
@@ -65,9 +62,6 @@ int main(int argc, char** argv) {
     parser.addOptions(
         {{QStringLiteral("virtual"),
           QStringLiteral("Runs on this desktop instead, with a window as the target.")},
-         {QStringLiteral("latency"),
-          QStringLiteral("Measures the time from input event to payload instead."),
-          QStringLiteral("events")},
          {QStringLiteral("settings"),
           QStringLiteral("Prints settings that bind the right edge of this desktop to the dongle "
                          "with this Bluetooth address instead."),

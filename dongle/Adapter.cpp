@@ -15,15 +15,20 @@ namespace {
 constexpr auto scanStart = 10ms;
 constexpr auto firstAdvertisement = 100ms;
 constexpr auto advertisementInterval = 1s;
-const QString journalName = u"hci0"_s;
+
+QString addressOf(const QString& name) {
+    const auto number = QStringView{name}.mid(3).toUInt() & 0xFF;
+    return u"00:AA:01:00:00:%1"_s.arg(number, 2, 16, QChar{u'0'}).toUpper();
+}
 
 } // namespace
 
 Adapter::Adapter(ObjectTree& objects, Agents& theAgents, const Delays& itsDelays,
-                 const Dongles& theDongles, bool isOn)
-    : tree(objects), agents(theAgents), delays(itsDelays), dongles(theDongles), powered(isOn) {
+                 const Dongles& theDongles, const QString& itsName, bool isOn)
+    : tree(objects), agents(theAgents), delays(itsDelays), dongles(theDongles), name(itsName),
+      powered(isOn) {
     tree.add(path, {{bluez::adapter,
-                     {{u"Address"_s, u"00:AA:01:00:00:00"_s},
+                     {{u"Address"_s, addressOf(name)},
                       {u"AddressType"_s, u"public"_s},
                       {u"Name"_s, u"host"_s},
                       {u"Alias"_s, u"host"_s},
@@ -35,8 +40,8 @@ Adapter::Adapter(ObjectTree& objects, Agents& theAgents, const Delays& itsDelays
                       {u"UUIDs"_s, QStringList{bluez::gapService, bluez::gattService}},
                       {u"Roles"_s, QStringList{u"central"_s, u"peripheral"_s}}}}});
     for (const auto& dongle : dongles)
-        if (dongle->remembered) create(*dongle, std::nullopt);
-    journal(journalName, {}, u"adapter added"_s);
+        if (dongle->rememberedBy.contains(path)) create(*dongle, std::nullopt);
+    journal(name, {}, u"adapter added"_s);
     watcher.setConnection(tree.bus());
     watcher.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
     connect(&watcher, &QDBusServiceWatcher::serviceUnregistered, this, &Adapter::clientGone);
@@ -46,7 +51,7 @@ Adapter::Adapter(ObjectTree& objects, Agents& theAgents, const Delays& itsDelays
 Adapter::~Adapter() {
     devices.clear();
     tree.remove(path);
-    journal(journalName, {}, u"adapter removed"_s);
+    journal(name, {}, u"adapter removed"_s);
 }
 
 Device& Adapter::create(Dongle& dongle, std::optional<short> strength) {
@@ -72,30 +77,47 @@ bool Adapter::call(const QDBusMessage& message) {
     }
     const auto arguments = message.arguments();
     if (message.interface() == bluez::properties && arguments.value(1).toString() == u"Powered") {
-        setPowered(arguments.value(2).value<QDBusVariant>().variant().toBool());
-        tree.reply(message);
+        setPoweredCall(message);
         return true;
     }
     if (message.interface() != bluez::adapter) return false;
-    if (message.member() == u"SetDiscoveryFilter")
+    static const QStringList methods{u"SetDiscoveryFilter"_s, u"StartDiscovery"_s,
+                                     u"StopDiscovery"_s, u"RemoveDevice"_s};
+    if (!methods.contains(message.member())) return false;
+    if (!powered)
+        tree.fail(message, bluez::notReady, u"Resource Not Ready"_s);
+    else if (message.member() == u"SetDiscoveryFilter")
         tree.reply(message);
     else if (message.member() == u"StartDiscovery")
         startDiscovery(message);
     else if (message.member() == u"StopDiscovery")
         stopDiscovery(message);
-    else if (message.member() == u"RemoveDevice")
-        removeDevice(message);
     else
-        return false;
+        removeDevice(message);
     return true;
 }
 
+void Adapter::setPoweredCall(const QDBusMessage& message) {
+    const bool on = message.arguments().value(2).value<QDBusVariant>().variant().toBool();
+    if (on && blocked) {
+        tree.fail(message, bluez::blocked, u"Blocked through rfkill"_s);
+        return;
+    }
+    setPowered(on);
+    tree.reply(message);
+}
+
+void Adapter::setBlocked(bool on) {
+    if (on) setPowered(false);
+    blocked = on;
+}
+
 void Adapter::setPowered(bool on) {
-    if (on == powered) return;
+    if (on == powered || blocked) return;
     powered = on;
-    journal(journalName, {}, on ? u"powered on"_s : u"powered off"_s);
+    journal(name, {}, on ? u"powered on"_s : u"powered off"_s);
     if (!on) {
-        for (const auto& [devicePath, device] : devices) device->loseLink(u"powered off"_s);
+        for (const auto& [devicePath, device] : devices) device->losePower();
         clients.clear();
         setDiscovering(false);
     }
@@ -104,9 +126,7 @@ void Adapter::setPowered(bool on) {
 }
 
 void Adapter::startDiscovery(const QDBusMessage& message) {
-    if (!powered) {
-        tree.fail(message, bluez::notReady, u"Resource Not Ready"_s);
-    } else if (!clients.insert(message.service()).second) {
+    if (!clients.insert(message.service()).second) {
         tree.fail(message, bluez::inProgress, u"Operation already in progress"_s);
     } else {
         watcher.addWatchedService(message.service());
@@ -133,7 +153,7 @@ void Adapter::clientGone(const QString& client) {
 void Adapter::setDiscovering(bool on) {
     if (on == discovering) return;
     discovering = on;
-    journal(journalName, {}, on ? u"discovering on"_s : u"discovering off"_s);
+    journal(name, {}, on ? u"discovering on"_s : u"discovering off"_s);
     tree.set(path, bluez::adapter, u"Discovering"_s, on);
     if (on) {
         later(firstAdvertisement, this, [this] { advertise(); });
@@ -151,13 +171,14 @@ void Adapter::advertise() {
 }
 
 void Adapter::advertise(Dongle& dongle) {
-    if (!discovering || !dongle.faults.inRange) return;
+    if (!discovering || !dongle.faults.inRange || dongle.linked) return;
     auto* device = deviceOf(dongle);
     if (device == nullptr) {
         create(dongle, rssi);
         dongle.report(u"discovered"_s);
-    } else if (!device->isConnected()) {
+    } else {
         device->seen(rssi);
+        device->cameIntoRange();
     }
 }
 
@@ -186,8 +207,8 @@ void Adapter::removeDevice(const QDBusMessage& message) {
 void Adapter::remove(const QString& device) {
     const auto it = devices.find(device);
     if (it == devices.end()) return;
-    it->second->dongle().remembered = false;
-    it->second->dongle().paired = false;
+    it->second->dongle().rememberedBy.erase(path);
+    it->second->dongle().pairedWith.erase(path);
     tree.remove(device);
     devices.erase(it);
 }

@@ -15,18 +15,20 @@ namespace quenthisar::dongle {
 
 using Dongles = std::vector<std::unique_ptr<Dongle>>;
 
-/// The radio of the host (Adapter1 at /org/bluez/hci0) with the devices that it knows. Main thread.
+/// A radio of the host (Adapter1 at /org/bluez/NAME) with the devices that it knows. Main thread.
 class Adapter final : public QObject {
 public:
-    /// Appears on the bus.
+    /// Appears on the bus. `name` such as "hci0".
     Adapter(ObjectTree& tree, Agents& agents, const Delays& delays, const Dongles& dongles,
-            bool powered);
+            const QString& name, bool powered);
     /// Leaves it, the devices first, which end their links.
     ~Adapter() override;
 
     bool call(const QDBusMessage& message);
-    bool isPowered() const { return powered; }
+    /// Without effect while blocked, and so is a client's wish.
     void setPowered(bool on);
+    /// By rfkill, which switches it off.
+    void setBlocked(bool on);
 
     /// None for a dongle that it doesn't know.
     Device* deviceOf(const Dongle& dongle) const;
@@ -34,6 +36,7 @@ public:
     void dongleChanged(const Dongle& dongle);
 
 private:
+    void setPoweredCall(const QDBusMessage& message);
     void startDiscovery(const QDBusMessage& message);
     void stopDiscovery(const QDBusMessage& message);
     void removeDevice(const QDBusMessage& message);
@@ -48,12 +51,14 @@ private:
     Agents& agents;
     const Delays& delays;
     const Dongles& dongles;
-    QString path = QStringLiteral("/org/bluez/hci0");
+    QString name;
+    QString path = QStringLiteral("/org/bluez/") + name;
     std::map<QString, std::unique_ptr<Device>> devices;
     std::set<QString> clients; // who asked for discovery
     QDBusServiceWatcher watcher;
     QTimer advertising;
     bool powered;
+    bool blocked = false;
     bool discovering = false;
     short rssi = -52;
 };

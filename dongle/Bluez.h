@@ -20,6 +20,7 @@ inline const QString notReady = QStringLiteral("org.bluez.Error.NotReady");
 inline const QString notPermitted = QStringLiteral("org.bluez.Error.NotPermitted");
 inline const QString notSupported = QStringLiteral("org.bluez.Error.NotSupported");
 inline const QString doesNotExist = QStringLiteral("org.bluez.Error.DoesNotExist");
+inline const QString blocked = QStringLiteral("org.bluez.Error.Blocked");
 inline const QString alreadyExists = QStringLiteral("org.bluez.Error.AlreadyExists");
 
 inline const QString dongleService = QStringLiteral("f1e00000-64f2-4b5d-9c51-3e2a5d0d8b10");

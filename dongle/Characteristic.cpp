@@ -7,6 +7,8 @@
 #include <QDBusArgument>
 #include <QDBusUnixFileDescriptor>
 
+#include <QEvent>
+
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -25,7 +27,8 @@ constexpr ushort mtu = 247;
 constexpr auto answerTime = 20ms;
 // An ATT transaction that takes longer ends the link.
 constexpr auto attTimeout = 30s;
-constexpr int payloadsAtOnce = 64;
+constexpr std::size_t payloadsAtOnce = 8;
+constexpr int drainedBatches = 8;
 
 } // namespace
 
@@ -75,7 +78,7 @@ void Characteristic::writeValue(const QDBusMessage& message) {
     }
     pending = message;
     ++requests;
-    if (dongle.faults.probe == ProbeFault::encrypt && !dongle.paired)
+    if (dongle.faults.probe == ProbeFault::encrypt && !dongle.pairedWith.contains(owner.adapter))
         pairFirst(value);
     else
         request(value);
@@ -137,9 +140,8 @@ void Characteristic::acquireWrite(const QDBusMessage& message) {
         return;
     }
     descriptor = ends[0];
-    notifier = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Read);
+    notifier = std::make_unique<Notifier>(descriptor, *this);
     notifier->setEnabled(dongle.faults.reading);
-    connect(notifier.get(), &QSocketNotifier::activated, this, &Characteristic::readable);
     QDBusUnixFileDescriptor theirs;
     theirs.giveFileDescriptor(ends[1]);
     dongle.report(u"descriptor acquired"_s);
@@ -148,22 +150,39 @@ void Characteristic::acquireWrite(const QDBusMessage& message) {
 }
 
 // A burst must not keep the bus waiting: what is left makes the notifier fire again.
-void Characteristic::readable() {
-    for (int i = 0; i < payloadsAtOnce && descriptor >= 0; ++i) {
-        std::array<char, 512> buffer{};
-        const auto size = ::recv(descriptor, buffer.data(), buffer.size(), 0);
-        if (size < 0 && (errno == EAGAIN || errno == EINTR)) return;
-        if (size <= 0) {
-            closeDescriptor();
-            return;
-        }
-        dongle.receive(Way::descriptor, QByteArray{buffer.data(), size});
+bool Characteristic::Notifier::event(QEvent* event) {
+    if (event->type() != QEvent::SockAct) return QSocketNotifier::event(event);
+    static_cast<void>(owner.takeBatch());
+    return true;
+}
+
+// One call takes all that is there: a second one, only to hear that there is no more, would cost as
+// much as the first.
+bool Characteristic::takeBatch() {
+    std::array<std::array<char, mtu>, payloadsAtOnce> buffers;
+    std::array<iovec, payloadsAtOnce> places{};
+    std::array<mmsghdr, payloadsAtOnce> messages{};
+    for (std::size_t i = 0; i < payloadsAtOnce; ++i) {
+        places[i] = {.iov_base = buffers[i].data(), .iov_len = buffers[i].size()};
+        messages[i].msg_hdr.msg_iov = &places[i];
+        messages[i].msg_hdr.msg_iovlen = 1;
     }
+    const auto count = ::recvmmsg(descriptor, messages.data(), payloadsAtOnce, 0, nullptr);
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) return false;
+    for (std::size_t i = 0; i < payloadsAtOnce && static_cast<int>(i) < count; ++i) {
+        const auto size = messages[i].msg_len;
+        if (size == 0) break; // the end
+        dongle.receive(Way::descriptor, QByteArray{buffers[i].data(), size});
+        if (i + 1 == static_cast<std::size_t>(count)) return i + 1 == payloadsAtOnce;
+    }
+    closeDescriptor();
+    return false;
 }
 
 void Characteristic::drain() {
-    if (descriptor < 0 || !dongle.faults.reading) return;
-    readable();
+    if (!dongle.faults.reading) return;
+    for (int i = 0; i < drainedBatches && descriptor >= 0 && takeBatch(); ++i) {
+    }
 }
 
 void Characteristic::closeDescriptor() {

@@ -19,6 +19,7 @@ class Characteristic final : public QObject {
 public:
     /// What it asks of the device that it belongs to. Called from the main loop only.
     struct Owner {
+        QString adapter; // path
         QString path;
         std::function<void(const QString& reason)> dropLink;
         std::function<void()> vanish; // its objects go without a word
@@ -38,15 +39,29 @@ public:
     /// Closes the descriptor and fails a request that is under way.
     void linkLost();
     void setReading(bool reading);
+    void closeDescriptor();
 
 private:
+    /// Takes its event itself: a signal would cost more than the rest of the way.
+    class Notifier final : public QSocketNotifier {
+    public:
+        Notifier(int descriptor, Characteristic& characteristic)
+            : QSocketNotifier(descriptor, QSocketNotifier::Read), owner(characteristic) {}
+
+    protected:
+        bool event(QEvent* event) override;
+
+    private:
+        Characteristic& owner;
+    };
+
     void writeValue(const QDBusMessage& call);
     void request(const QByteArray& value);
     void pairFirst(const QByteArray& value);
     void answerRequest(const QString& error = {}, const QString& text = {});
     void acquireWrite(const QDBusMessage& call);
-    void readable();
-    void closeDescriptor();
+    /// True if there may be more.
+    bool takeBatch();
 
     ObjectTree& tree;
     Agents& agents;
@@ -56,7 +71,7 @@ private:
     std::optional<QDBusMessage> pending; // the write request under way
     int requests = 0;                    // counts them, so that a late timer finds another
     int descriptor = -1;
-    std::unique_ptr<QSocketNotifier> notifier;
+    std::unique_ptr<Notifier> notifier;
 };
 
 } // namespace quenthisar::dongle

@@ -2,6 +2,7 @@
 #include "Control.h"
 
 #include <QDBusError>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <array>
@@ -28,6 +29,7 @@ constexpr auto connectWords = std::to_array<Word<ConnectFault>>({
     {u"silent", ConnectFault::silent},
     {u"unresolved", ConnectFault::unresolved},
     {u"no-service", ConnectFault::noService},
+    {u"unannounced", ConnectFault::unannounced},
 });
 constexpr auto acquireWords = std::to_array<Word<AcquireFault>>({
     {u"accept", AcquireFault::accept},
@@ -71,12 +73,15 @@ Dongle* Control::find(const QString& address) {
     return nullptr;
 }
 
-Device* Control::deviceOf(const Dongle& dongle) const {
-    return daemon.adapter() != nullptr ? daemon.adapter()->deviceOf(dongle) : nullptr;
+bool Control::isAdapter(const QString& name) {
+    static const QRegularExpression hci{u"^hci[0-9]$"_s};
+    const bool isOne = hci.match(name).hasMatch();
+    if (!isOne) refuse(u"No adapter's name: "_s + name);
+    return isOne;
 }
 
 void Control::changed(const Dongle& dongle) {
-    if (daemon.adapter() != nullptr) daemon.adapter()->dongleChanged(dongle);
+    for (auto* adapter : daemon.adapters()) adapter->dongleChanged(dongle);
 }
 
 template <class Fault, class Table>
@@ -93,7 +98,7 @@ void Control::setFault(const QString& address, const QString& word, Fault Faults
 
 void Control::Drop(const QString& address) {
     const auto* dongle = find(address);
-    auto* device = dongle != nullptr ? deviceOf(*dongle) : nullptr;
+    auto* device = dongle != nullptr ? daemon.deviceOf(*dongle) : nullptr;
     if (device == nullptr) return;
     device->loseLink(u"lost"_s);
     changed(*dongle);
@@ -133,15 +138,25 @@ void Control::SetReading(const QString& address, bool reading) {
     auto* dongle = find(address);
     if (dongle == nullptr) return;
     dongle->faults.reading = reading;
-    if (auto* device = deviceOf(*dongle)) device->setReading(reading);
+    if (auto* device = daemon.deviceOf(*dongle)) device->setReading(reading);
 }
 
-void Control::SetPowered(bool on) {
-    daemon.setPowered(on);
+void Control::CloseDescriptor(const QString& address) {
+    const auto* dongle = find(address);
+    auto* device = dongle != nullptr ? daemon.deviceOf(*dongle) : nullptr;
+    if (device != nullptr) device->closeDescriptor();
 }
 
-void Control::SetAdapter(bool present) {
-    daemon.setAdapter(present);
+void Control::SetPowered(const QString& adapter, bool on) {
+    if (isAdapter(adapter)) daemon.setPowered(adapter, on);
+}
+
+void Control::SetAdapter(const QString& adapter, bool present) {
+    if (isAdapter(adapter)) daemon.setAdapter(adapter, present);
+}
+
+void Control::SetBlocked(const QString& adapter, bool blocked) {
+    if (isAdapter(adapter)) daemon.setBlocked(adapter, blocked);
 }
 
 void Control::SetAccess(bool granted) {

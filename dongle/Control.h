@@ -34,7 +34,8 @@ public:
     /// "encrypt" (asks to be paired first).
     Q_SCRIPTABLE Q_INVOKABLE void SetProbe(const QString& dongle, const QString& mode);
     /// How Connect goes: "accept", "refuse", "silent" (never answered), "unresolved" (connected,
-    /// but ServicesResolved stays false), "no-service".
+    /// but ServicesResolved stays false), "no-service",
+    /// "unannounced" (Connected is never signalled as true).
     Q_SCRIPTABLE Q_INVOKABLE void SetConnect(const QString& dongle, const QString& mode);
     /// AcquireWrite: "accept", "refuse", "missing" (an unknown method).
     Q_SCRIPTABLE Q_INVOKABLE void SetAcquire(const QString& dongle, const QString& mode);
@@ -42,10 +43,17 @@ public:
     Q_SCRIPTABLE Q_INVOKABLE void SetObjects(const QString& dongle, const QString& mode);
     /// Whether the descriptor of AcquireWrite is read.
     Q_SCRIPTABLE Q_INVOKABLE void SetReading(const QString& dongle, bool reading);
+    /// The daemon closes the descriptor, though the link lives.
+    Q_SCRIPTABLE Q_INVOKABLE void CloseDescriptor(const QString& dongle);
 
-    Q_SCRIPTABLE Q_INVOKABLE void SetPowered(bool on);
-    /// Plugs the adapter in or pulls it out.
-    Q_SCRIPTABLE Q_INVOKABLE void SetAdapter(bool present);
+    /// `adapter` such as "hci0", which is meant where none is named.
+    Q_SCRIPTABLE Q_INVOKABLE void SetPowered(const QString& adapter, bool on);
+    Q_SCRIPTABLE Q_INVOKABLE void SetPowered(bool on) { SetPowered(firstAdapter, on); }
+    /// Plugs the adapter in or pulls it out. Any number of them sees the same dongles.
+    Q_SCRIPTABLE Q_INVOKABLE void SetAdapter(const QString& adapter, bool present);
+    Q_SCRIPTABLE Q_INVOKABLE void SetAdapter(bool present) { SetAdapter(firstAdapter, present); }
+    /// Whether rfkill keeps it off; then nobody can switch it on.
+    Q_SCRIPTABLE Q_INVOKABLE void SetBlocked(const QString& adapter, bool blocked);
     /// Whether calls to the daemon are allowed, or answered as access denied.
     Q_SCRIPTABLE Q_INVOKABLE void SetAccess(bool granted);
     /// The daemon ends: it removes its objects first, or it is killed and says nothing.
@@ -57,13 +65,14 @@ private:
     Q_SLOT void busDisconnected();
 
     Dongle* find(const QString& address);
-    Device* deviceOf(const Dongle& dongle) const;
+    bool isAdapter(const QString& name);
     void changed(const Dongle& dongle);
     void refuse(const QString& text);
     template <class Fault, class Table>
     void setFault(const QString& address, const QString& word, Fault Faults::*fault,
                   const Table& table);
 
+    const QString firstAdapter = QStringLiteral("hci0");
     Daemon& daemon;
     const Dongles& dongles;
     std::function<void()> onBusLost;

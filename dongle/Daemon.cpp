@@ -7,6 +7,8 @@
 
 #include <QDBusError>
 
+#include <algorithm>
+
 namespace quenthisar::dongle {
 
 using namespace Qt::StringLiterals;
@@ -26,7 +28,11 @@ QString connectionName(int start) {
 } // namespace
 
 Daemon::Daemon(Options itsOptions, const Dongles& theDongles)
-    : options(itsOptions), dongles(theDongles) {}
+    : delays(itsOptions.delays), dongles(theDongles) {
+    auto& radio = radios[u"hci0"_s];
+    radio.present = itsOptions.adapter;
+    radio.powered = itsOptions.powered;
+}
 
 Daemon::~Daemon() {
     kill();
@@ -54,25 +60,66 @@ bool Daemon::start() {
     journal(journalName, {}, u"started"_s);
     agents = std::make_unique<Agents>(*tree);
     tree->add(u"/org/bluez"_s, {{bluez::agentManager, {}}});
-    if (options.adapter) later(adapterTime, tree.get(), [this] { addAdapter(); });
+    for (const auto& [adapter, radio] : radios)
+        later(adapterTime, tree.get(), [this, adapter = adapter] { addAdapter(adapter); });
     return true;
 }
 
-void Daemon::addAdapter() {
-    if (radio || !options.adapter) return;
+void Daemon::addAdapter(const QString& name) {
+    auto& radio = radios[name];
+    if (radio.adapter || !radio.present) return;
     // At the first start the radio is still off.
-    radio = std::make_unique<Adapter>(*tree, *agents, options.delays, dongles,
-                                      options.powered && starts > 1);
-    later(powerTime, radio.get(), [this] { radio->setPowered(options.powered); });
+    const bool on = radio.powered && !radio.blocked && starts > 1;
+    radio.adapter = std::make_unique<Adapter>(*tree, *agents, delays, dongles, name, on);
+    radio.adapter->setBlocked(radio.blocked);
+    later(powerTime, radio.adapter.get(), [&radio] { radio.adapter->setPowered(radio.powered); });
 }
 
-void Daemon::setAdapter(bool present) {
-    options.adapter = present;
+void Daemon::setAdapter(const QString& adapter, bool present) {
+    auto& radio = radios[adapter];
+    radio.present = present;
     if (!isRunning()) return;
     if (present)
-        addAdapter();
+        addAdapter(adapter);
     else
-        radio.reset();
+        radio.adapter.reset();
+}
+
+void Daemon::setPowered(const QString& adapter, bool on) {
+    auto& radio = radios[adapter];
+    radio.powered = on;
+    if (radio.adapter) radio.adapter->setPowered(on);
+}
+
+// Unblocked, it is as it was.
+void Daemon::setBlocked(const QString& adapter, bool on) {
+    auto& radio = radios[adapter];
+    radio.blocked = on;
+    if (!radio.adapter) return;
+    radio.adapter->setBlocked(on);
+    if (!on) radio.adapter->setPowered(radio.powered);
+}
+
+std::vector<Adapter*> Daemon::adapters() const {
+    std::vector<Adapter*> all;
+    for (const auto& [name, radio] : radios)
+        if (radio.adapter) all.push_back(radio.adapter.get());
+    return all;
+}
+
+Device* Daemon::deviceOf(const Dongle& dongle) const {
+    Device* first = nullptr;
+    for (const auto* adapter : adapters()) {
+        auto* device = adapter->deviceOf(dongle);
+        if (device == nullptr) continue;
+        if (device->isConnected()) return device;
+        if (first == nullptr) first = device;
+    }
+    return first;
+}
+
+void Daemon::removeAdapters() {
+    for (auto& [name, radio] : radios) radio.adapter.reset();
 }
 
 void Daemon::setAccess(bool granted) {
@@ -80,14 +127,9 @@ void Daemon::setAccess(bool granted) {
     if (tree) tree->setDenied(!granted);
 }
 
-void Daemon::setPowered(bool on) {
-    options.powered = on;
-    if (radio) radio->setPowered(on);
-}
-
 void Daemon::stop() {
     if (!isRunning()) return;
-    radio.reset();
+    removeAdapters();
     tree->removeAll();
     // A round trip: what was said before has left.
     tree->bus().call(QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/"_s,
@@ -102,7 +144,7 @@ void Daemon::kill() {
 }
 
 void Daemon::disconnect() {
-    radio.reset();
+    removeAdapters();
     agents.reset();
     tree.reset();
     QDBusConnection::disconnectFromBus(connectionName(starts));
@@ -111,7 +153,8 @@ void Daemon::disconnect() {
 
 bool Daemon::call(const QDBusMessage& message) {
     if (message.interface() == bluez::agentManager) return agents->call(message);
-    return radio && radio->call(message);
+    const auto all = adapters();
+    return std::ranges::any_of(all, [&](Adapter* adapter) { return adapter->call(message); });
 }
 
 } // namespace quenthisar::dongle

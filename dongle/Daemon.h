@@ -7,6 +7,7 @@
 
 #include <QObject>
 
+#include <map>
 #include <memory>
 #include <optional>
 
@@ -18,7 +19,7 @@ class Daemon final : public QObject {
 public:
     struct Options {
         Delays delays;
-        bool adapter = true;
+        bool adapter = true; // there is one, hci0
         bool powered = true;
     };
 
@@ -34,25 +35,38 @@ public:
     /// Goes without a word.
     void kill();
 
-    void setAdapter(bool present);
-    void setPowered(bool on);
+    /// `adapter` such as "hci0"; one that never was is plugged in powered.
+    void setAdapter(const QString& adapter, bool present);
+    void setPowered(const QString& adapter, bool on);
+    void setBlocked(const QString& adapter, bool on);
     /// Whether callers may talk to it, or are told that access is denied.
     void setAccess(bool granted);
-    /// Null without a daemon or without an adapter.
-    Adapter* adapter() const { return radio.get(); }
+    /// Those on the bus.
+    std::vector<Adapter*> adapters() const;
+    /// The one that is connected, else the first; null for a dongle that no adapter knows.
+    Device* deviceOf(const Dongle& dongle) const;
 
 private:
+    /// Survives the daemon.
+    struct Radio {
+        bool present = true;
+        bool powered = true;
+        bool blocked = false;
+        std::unique_ptr<Adapter> adapter;
+    };
+
     bool call(const QDBusMessage& message);
-    void addAdapter();
+    void addAdapter(const QString& name);
+    void removeAdapters();
     void disconnect();
 
-    Options options;
+    Delays delays;
     const Dongles& dongles;
+    std::map<QString, Radio> radios; // by name
     bool access = true;
     int starts = 0;
     std::unique_ptr<ObjectTree> tree;
     std::unique_ptr<Agents> agents;
-    std::unique_ptr<Adapter> radio;
 };
 
 } // namespace quenthisar::dongle

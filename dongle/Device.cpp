@@ -43,23 +43,26 @@ QString Device::pathOf(const QString& adapter, const Dongle& dongle) {
 
 Device::Device(Context itsContext, const QString& adapter, Dongle& dongle,
                std::optional<short> rssi)
-    : context(std::move(itsContext)), itsDongle(dongle), ownPath(pathOf(adapter, dongle)),
+    : context(std::move(itsContext)), itsDongle(dongle), adapterPath(adapter),
+      ownPath(pathOf(adapter, dongle)),
       input(context.tree, context.agents, dongle, inputPath(ownPath),
-            {.path = ownPath,
+            {.adapter = adapter,
+             .path = ownPath,
              .dropLink = [this](const QString& reason) { loseLink(reason); },
              .vanish = [this] { context.removeLater(ownPath); },
              .setPaired =
                  [this] {
-                     itsDongle.paired = true;
+                     itsDongle.pairedWith.insert(adapterPath);
                      set(u"Paired"_s, true);
                      set(u"Bonded"_s, true);
                  }}) {
+    const bool paired = dongle.pairedWith.contains(adapter);
     const auto alias = dongle.address().replace(u':', u'-');
     QVariantMap properties{{u"Address"_s, dongle.address()},
                            {u"AddressType"_s, u"random"_s},
                            {u"Alias"_s, dongle.name.isEmpty() ? alias : dongle.name},
-                           {u"Paired"_s, dongle.paired},
-                           {u"Bonded"_s, dongle.paired},
+                           {u"Paired"_s, paired},
+                           {u"Bonded"_s, paired},
                            {u"Trusted"_s, false},
                            {u"Blocked"_s, false},
                            {u"LegacyPairing"_s, false},
@@ -73,13 +76,15 @@ Device::Device(Context itsContext, const QString& adapter, Dongle& dongle,
 
     temporary.setSingleShot(true);
     temporary.callOnTimeout(this, [this] { context.removeLater(ownPath); });
-    if (!dongle.remembered) temporary.start(temporaryTime);
+    if (!dongle.rememberedBy.contains(adapter)) temporary.start(temporaryTime);
     failing.setSingleShot(true);
     failing.callOnTimeout(this, [this] { failConnect(u"le-connection-abort-by-local"_s); });
 }
 
 Device::~Device() {
-    if (connected) itsDongle.linkLost(u"removed"_s);
+    if (!connected) return;
+    itsDongle.linked = false;
+    itsDongle.linkLost(u"removed"_s);
 }
 
 void Device::set(const QString& name, const QVariant& value) {
@@ -111,7 +116,7 @@ void Device::scanEnded() {
 
 bool Device::call(const QDBusMessage& message, bool powered) {
     if (message.path() == inputPath(ownPath) && message.interface() == bluez::characteristic)
-        return input.call(message, connected);
+        return context.tree.contains(message.path()) && input.call(message, connected);
     if (message.path() != ownPath || message.interface() != bluez::device) return false;
     if (message.member() == u"Connect")
         connectCall(message, powered);
@@ -134,7 +139,7 @@ void Device::connectCall(const QDBusMessage& message, bool powered) {
         pendingConnect = message;
         ++attempt;
         temporary.stop();
-        itsDongle.remembered = true;
+        itsDongle.rememberedBy.insert(adapterPath);
         itsDongle.report(u"connecting"_s);
         cameIntoRange();
         if (itsDongle.faults.connect == ConnectFault::refuse)
@@ -150,7 +155,7 @@ void Device::cameIntoRange() {
         fault == ConnectFault::silent)
         return;
     later(connectTime, [this] {
-        if (itsDongle.faults.inRange) establish();
+        if (itsDongle.faults.inRange && !itsDongle.linked) establish();
     });
 }
 
@@ -163,14 +168,24 @@ void Device::failConnect(const QString& text) {
     context.tree.fail(*call, bluez::failed, text);
 }
 
+void Device::losePower() {
+    failConnect(u"le-connection-abort-by-local"_s);
+    loseLink(u"powered off"_s);
+}
+
 void Device::establish() {
     const auto call = std::exchange(pendingConnect, std::nullopt);
     if (!call) return;
     failing.stop();
     connected = true;
+    itsDongle.linked = true;
     ++itsDongle.connections;
     itsDongle.report(u"connected"_s);
-    set(u"Connected"_s, true);
+    // The real daemon is silent where the socket tells it of the link before the kernel does.
+    if (itsDongle.faults.connect == ConnectFault::unannounced)
+        context.tree.setSilently(ownPath, bluez::device, u"Connected"_s, true);
+    else
+        set(u"Connected"_s, true);
     context.tree.reply(*call);
     if (itsDongle.faults.connect == ConnectFault::unresolved) return;
     later(itsDongle.connections == 1 ? firstResolveTime : laterResolveTime, [this] { resolve(); });
@@ -230,6 +245,7 @@ void Device::loseLink(const QString& reason) {
     if (!connected) return;
     ++attempt;
     connected = false;
+    itsDongle.linked = false;
     itsDongle.linkLost(reason);
     set(u"ServicesResolved"_s, false);
     for (const auto& call : std::exchange(pendingDisconnects, {})) context.tree.reply(call);

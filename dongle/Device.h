@@ -49,8 +49,12 @@ public:
 
     bool call(const QDBusMessage& message, bool powered);
     void loseLink(const QString& reason);
+    /// The adapter's power is gone: an attempt fails, a link is lost.
+    void losePower();
+    /// A pending attempt goes on if the dongle can be reached.
     void cameIntoRange();
     void setReading(bool reading) { input.setReading(reading); }
+    void closeDescriptor() { input.closeDescriptor(); }
 
 private:
     void connectCall(const QDBusMessage& message, bool powered);
@@ -65,6 +69,7 @@ private:
 
     Context context;
     Dongle& itsDongle;
+    QString adapterPath;
     QString ownPath;
     Characteristic input;
     QTimer temporary; // runs for a device that was never connected

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <span>
+#include <string>
 #include <utility>
 
 namespace quenthisar::dongle {
@@ -13,11 +14,11 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString wayName(Way way) {
+const char* wayName(Way way) {
     switch (way) {
-    case Way::request: return u"request"_s;
-    case Way::command: return u"command"_s;
-    case Way::descriptor: return u"descriptor"_s;
+    case Way::request: return "request";
+    case Way::command: return "command";
+    case Way::descriptor: return "descriptor";
     }
     return {};
 }
@@ -41,11 +42,16 @@ void Dongle::receive(Way way, const QByteArray& bytes) {
     const auto decoded = decode({reinterpret_cast<const std::uint8_t*>(bytes.constData()),
                                  static_cast<std::size_t>(bytes.size())});
     if (hid) hid->apply(decoded);
-    const auto hex = bytes.isEmpty() ? u"-"_s : QString::fromLatin1(bytes.toHex());
-    journal(ownAddress, name,
-            u"report "_s + wayName(way) + u' ' + hex + u' ' +
-                QString::fromStdString(describe(decoded)),
-            arrival);
+    // What it costs to write it down is no part of what a target waits for.
+    journal(
+        ownAddress, name,
+        [way, bytes, decoded] {
+            std::string what{"report "};
+            what.append(wayName(way)).append(1, ' ');
+            what.append(bytes.isEmpty() ? "-"_ba : bytes.toHex()).append(1, ' ');
+            return what.append(describe(decoded));
+        },
+        arrival);
 }
 
 void Dongle::linkLost(const QString& reason) {

@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <memory>
+#include <set>
 
 namespace quenthisar::dongle {
 
@@ -15,7 +16,7 @@ namespace quenthisar::dongle {
 enum class Way { request, command, descriptor };
 
 enum class ProbeFault { accept, refuse, silent, encrypt };
-enum class ConnectFault { accept, refuse, silent, unresolved, noService };
+enum class ConnectFault { accept, refuse, silent, unresolved, noService, unannounced };
 enum class AcquireFault { accept, refuse, missing };
 /// Whether the service's objects appear before ServicesResolved or after it.
 enum class ObjectOrder { before, after, mixed };
@@ -51,8 +52,9 @@ public:
 
     QString name; // empty: it advertises none
     Faults faults;
-    bool remembered = false; // the daemon's storage knows it
-    bool paired = false;
+    // The daemon's storage: paths of adapters.
+    std::set<QString> rememberedBy, pairedWith;
+    bool linked = false; // to any adapter; then it doesn't advertise
     int connections = 0; // so far
 
 private:

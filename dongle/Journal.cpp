@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "Journal.h"
 
+#include <QTimer>
+
 #include <cstdio>
+#include <utility>
+#include <vector>
 
 namespace quenthisar::dongle {
 
@@ -9,8 +13,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString quoted(const QString& text) {
-    QString result = u"\""_s;
+QString escaped(const QString& text) {
+    QString result;
     for (const QChar c : text) {
         if (c == u'"' || c == u'\\') {
             result += u'\\';
@@ -21,23 +25,78 @@ QString quoted(const QString& text) {
             result += u"\\u%1"_s.arg(static_cast<uint>(c.unicode()), 4, 16, QChar{u'0'});
         }
     }
-    return result + u'"';
+    return result;
+}
+
+/// Lines on their way to standard output.
+class Waiting {
+public:
+    using Line = std::function<std::string()>;
+
+    void add(Line line) {
+        lines.push_back(std::move(line));
+        if (delay.count() == 0 || lines.size() > most)
+            flush();
+        else if (!std::exchange(timer, true))
+            QTimer::singleShot(delay, [this] {
+                timer = false;
+                flush();
+            });
+    }
+    void flush() {
+        std::string text;
+        for (const auto& line : lines) text.append(line()).append(1, '\n');
+        lines.clear();
+        // A reader that went away is no reason to stop.
+        static_cast<void>(std::fwrite(text.data(), 1, text.size(), stdout));
+        static_cast<void>(std::fflush(stdout));
+    }
+
+    std::chrono::milliseconds delay{0};
+
+private:
+    static constexpr std::size_t most = 1024;
+
+    std::vector<Line> lines;
+    bool timer = false;
+};
+
+Waiting& waiting() {
+    static Waiting lines;
+    return lines;
+}
+
+std::string eventLine(const QString& who, const QString& name, const std::string& what,
+                      Clock::time_point time) {
+    using namespace std::chrono;
+    const auto at = duration_cast<microseconds>(time.time_since_epoch()).count();
+    return std::to_string(at) + ' ' + who.toStdString() + " \"" + escaped(name).toStdString() +
+           "\" " + what;
 }
 
 } // namespace
 
 void journal(const QString& who, const QString& name, const QString& what, Clock::time_point time) {
-    using namespace std::chrono;
-    const auto at = duration_cast<microseconds>(time.time_since_epoch()).count();
-    printLine(QString::number(at) + u' ' + who + u' ' + quoted(name) + u' ' + what);
+    journal(
+        who, name, [text = what.toStdString()] { return text; }, time);
+}
+
+void journal(const QString& who, const QString& name, std::function<std::string()> what,
+             Clock::time_point time) {
+    waiting().add(
+        [who, name, what = std::move(what), time] { return eventLine(who, name, what(), time); });
+}
+
+void delayJournal(std::chrono::milliseconds delay) {
+    waiting().delay = delay;
+}
+
+void flushJournal() {
+    waiting().flush();
 }
 
 void printLine(const QString& line) {
-    const auto bytes = (line + u'\n').toUtf8();
-    // A reader that went away is no reason to stop.
-    static_cast<void>(
-        std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout));
-    static_cast<void>(std::fflush(stdout));
+    waiting().add([text = line.toStdString()] { return text; });
 }
 
 } // namespace quenthisar::dongle

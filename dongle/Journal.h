@@ -4,6 +4,8 @@
 #include <QString>
 
 #include <chrono>
+#include <functional>
+#include <string>
 
 namespace quenthisar::dongle {
 
@@ -13,6 +15,15 @@ using Clock = std::chrono::steady_clock; // CLOCK_MONOTONIC
 /// "daemon"), the name in double quotes (escaped as in C) and what happened.
 void journal(const QString& who, const QString& name, const QString& what,
              Clock::time_point time = Clock::now());
+/// The same for what happens often: `what` (UTF-8) is asked for when the line is written.
+void journal(const QString& who, const QString& name, std::function<std::string()> what,
+             Clock::time_point time);
+
+/// From now on lines wait to be written together, for at most `delay`. Their times tell when they
+/// were due.
+void delayJournal(std::chrono::milliseconds delay);
+/// Writes what waits.
+void flushJournal();
 
 /// The line alone, for things that are no event.
 void printLine(const QString& line);

@@ -85,6 +85,11 @@ void ObjectTree::set(const QString& path, const QString& interface, const QStrin
     }
 }
 
+void ObjectTree::setSilently(const QString& path, const QString& interface, const QString& name,
+                             const QVariant& value) {
+    if (objects.contains(path)) objects[path][interface].insert(name, value);
+}
+
 void ObjectTree::flush() {
     for (const auto& change : std::exchange(changes, {})) {
         auto signal =

@@ -44,6 +44,9 @@ public:
     /// An invalid value takes the property away.
     void set(const QString& path, const QString& interface, const QString& name,
              const QVariant& value);
+    /// The same without a signal.
+    void setSilently(const QString& path, const QString& interface, const QString& name,
+                     const QVariant& value);
     void flush();
 
     /// Sends nothing from now on, as a process that was killed.

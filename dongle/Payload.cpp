@@ -61,7 +61,7 @@ struct Describe {
     std::string operator()(const KeyboardReport& report) const {
         std::string keys;
         for (const auto usage : report.usages)
-            if (usage != 0) keys += (keys.empty() ? "" : ",") + keyName(usage);
+            if (usage != 0) keys.append(keys.empty() ? "" : ",").append(keyName(usage));
         return "keyboard modifiers=" +
                bitNames(report.modifiers, {"control", "shift", "alt", "gui"}) +
                " keys=" + (keys.empty() ? "none" : keys);

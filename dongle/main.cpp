@@ -61,6 +61,8 @@ std::chrono::milliseconds milliseconds(const QString& text) {
 
 int main(int argc, char** argv) {
     const int signals = blockSignals();
+    // Its loop over plain poll() takes a fifth less of the time that a payload costs.
+    qputenv("QT_NO_GLIB", "1");
     const QCoreApplication application{argc, argv};
     if (signals < 0) return fail(u"signals cannot be caught"_s);
 
@@ -77,6 +79,7 @@ int main(int argc, char** argv) {
         {u"no-adapter"_s, u"Starts without an adapter."_s},
         {u"powered-off"_s, u"Starts with the adapter off."_s},
         {u"connect-timeout"_s, u"Until Connect fails when out of range."_s, u"ms"_s, u"41000"_s},
+        {u"line-delay"_s, u"How long lines wait to be written together."_s, u"ms"_s, u"0"_s},
         {u"disconnect-delay"_s, u"Until Disconnect is done."_s, u"ms"_s, u"2000"_s},
     });
     arguments.process(application);
@@ -84,8 +87,10 @@ int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("DBUS_SYSTEM_BUS_ADDRESS"))
         return fail(u"DBUS_SYSTEM_BUS_ADDRESS must name a private bus"_s);
 
+    delayJournal(milliseconds(arguments.value(u"line-delay"_s)));
     const auto dongles = makeDongles(arguments);
-    for (const auto& dongle : dongles) dongle->remembered = arguments.isSet(u"known"_s);
+    if (arguments.isSet(u"known"_s))
+        for (const auto& dongle : dongles) dongle->rememberedBy.insert(u"/org/bluez/hci0"_s);
     if (arguments.isSet(u"display"_s))
         for (const auto& dongle : dongles)
             if (!dongle->hasTarget()) dongle->report(u"without a target"_s);
@@ -105,5 +110,6 @@ int main(int argc, char** argv) {
                      [] { QCoreApplication::exit(0); });
     const int status = QCoreApplication::exec();
     for (const auto& dongle : dongles) dongle->shutDown();
+    flushJournal();
     return status;
 }

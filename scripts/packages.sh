@@ -7,7 +7,7 @@ build_packages=(
     cmake g++ ninja-build pkg-config
     qt6-base-dev nlohmann-json3-dev libutf8proc-dev
     libxcb1-dev libxcb-randr0-dev libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xkb-dev
-    libxcb-xtest0-dev
+    libxcb-xtest0-dev libsystemd-dev
 )
 # To run it: the shell of its hooks, and a font for its windows.
 run_packages=(zsh fonts-dejavu-core)
@@ -16,7 +16,11 @@ bluetooth_packages=(bluez)
 # To play a takeover without a dongle or a second computer.
 stage_packages=(dbus-daemon xserver-xephyr xvfb xkb-data)
 # To test it.
-test_packages=(clang-format clang-tidy libgtest-dev x11-xkb-utils x11-xserver-utils)
+test_packages=(
+    clang-format clang-tidy libgtest-dev libxcb-shape0-dev
+    x11-xkb-utils x11-xserver-utils xinput
+    xserver-xorg-core xserver-xorg-dev xserver-xorg-video-dummy
+)
 
 # missing_packages PACKAGE...: those that are not installed.
 missing_packages() {

@@ -3,18 +3,25 @@
 
 #include "AppState.h"
 #include "BLE/DongleManager.h"
+#include "Capture/ClipboardTyper.h"
 #include "Capture/EventTapController.h"
+#include "HotkeyManager.h"
 #include "Platform/AccessibilityTrust.h"
 #include "Platform/MainQueue.h"
 #include "Platform/Ports.h"
 #include "Support/WeakGuard.h"
+#include "UI/TakeoverHUD.h"
 
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 namespace quenthisar {
 
 /// Creates the store and the managers, and wires them: accessibility trust, the capture switch,
-/// display changes. Lives for the whole process. Main thread.
+/// display changes, hotkeys, the panel and the chord of a profile. Lives for the whole process.
+/// Main thread.
 class AppDelegate {
 public:
     /// Loads the settings; nothing is on screen and nothing is captured yet.
@@ -27,16 +34,33 @@ public:
     // Present from launch on.
     std::unique_ptr<DongleManager> dongleManager;
     std::unique_ptr<EventTapController> eventTap;
+    std::shared_ptr<ClipboardTyper> clipboard;
 
 private:
+    void registerHotkeys();
+    void typeClipboard();
+    void switchToProfile(std::size_t number);
+    void takeOverDongle(std::size_t number);
+
+    void observeTakeover();
+    void takeoverChanged(const std::optional<Takeover>& takeover);
+    void profileActivated(const Uuid& id);
+    std::optional<Point> hudAnchor(std::optional<Edge> edge,
+                                   const std::optional<std::string>& screenUUID) const;
+    /// Where clipboard text goes to.
+    std::optional<Uuid> clipboardTarget() const;
+
     void pollAccessibility();
     void captureAutomatically();
     void setCapture(bool on);
     void screensChanged();
 
     const Ports ports;
+    HotkeyManager hotkeys;
+    TakeoverHUD hud;
     std::unique_ptr<RepeatingTimer> axTimer;
     bool didAutoCapture = false; // at most once per process
+    std::vector<Subscription> cancellables;
     WeakGuard guard;
 };
 

@@ -4,8 +4,12 @@
 #include "Linux/BluezCentral.h"
 #include "Linux/DesktopSpace.h"
 #include "Linux/ExitSignals.h"
+#include "Linux/Guard.h"
 #include "Linux/JsonFileDefaults.h"
 #include "Linux/QtMainQueue.h"
+#include "Linux/QtSerialQueue.h"
+#include "Linux/SessionLock.h"
+#include "Linux/SingleInstance.h"
 #include "Linux/SpawnLauncher.h"
 #include "Linux/StandardErrorLog.h"
 #include "Linux/X11AccessibilityTrust.h"
@@ -13,13 +17,22 @@
 #include "Linux/XCursor.h"
 #include "Linux/XDisplays.h"
 #include "Linux/XEventTaps.h"
+#include "Linux/XHotkeys.h"
 #include "Linux/XInputSession.h"
+#include "Linux/XPanel.h"
+#include "Linux/XPasteboard.h"
+#include "Linux/XToolkit.h"
+#include "UI/Qt/HUDWidget.h"
 
 #include <QApplication>
 
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <unistd.h>
 #include <utility>
 
 namespace {
@@ -27,19 +40,70 @@ namespace {
 /// How long the end of the program waits for the daemon to take the last payloads.
 constexpr std::chrono::milliseconds lastWrites{150};
 
+/// Hands what comes on sockets straight on: nobody filters it, and each event of a takeover is
+/// among it.
+class Application final : public QApplication {
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override {
+        return event->type() == QEvent::SockAct ? receiver->event(event)
+                                                : QApplication::notify(receiver, event);
+    }
+};
+
+/// Panels around the widget that draws them.
+class Panels final : public quenthisar::HUDPanels {
+public:
+    explicit Panels(const quenthisar::DesktopSpace& desktop) : space(desktop) {}
+
+    std::shared_ptr<quenthisar::Panel> create(const quenthisar::HUDView& view) override {
+        using namespace quenthisar;
+        auto widget = std::make_unique<HUDWidget>(view);
+        if (!XPanel::isComposited()) widget->makeSolid();
+        return std::make_shared<XPanel>(space, std::move(widget));
+    }
+
+private:
+    const quenthisar::DesktopSpace& space;
+};
+
 /// While the main loop runs. The toolkit ends the process by itself when it loses the X server.
 quenthisar::EventTapController* running = nullptr;
+
+/// Where one is closed, a connection would get its number, and the log would go there.
+void openStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+        if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
+}
 
 /// The target must not keep what is held down there.
 void releaseTarget() {
     if (auto* controller = std::exchange(running, nullptr)) controller->stop();
 }
 
+/// What the user types must not land in a core dump.
+void switchOffCoreDumps() {
+    // The hard limit stays: what hooks start may raise its own again.
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_CORE, &limit) == 0) {
+        limit.rlim_cur = 0;
+        ::setrlimit(RLIMIT_CORE, &limit);
+    }
+    // The limit does not count where core_pattern hands dumps to a program; this does.
+    ::prctl(PR_SET_DUMPABLE, 0);
+}
+
 } // namespace
 
 int main(int, char** argv) {
     using namespace quenthisar;
+    switchOffCoreDumps();
     std::signal(SIGPIPE, SIG_IGN);
+    openStandardStreams();
+    Guard guard;
+    SingleInstance instance;
+    if (!instance.isFirst()) return EXIT_SUCCESS;
 
     StandardErrorLog log;
     // The toolkit would abort. Under Wayland it has a display, and the user gets a prompt.
@@ -50,31 +114,54 @@ int main(int, char** argv) {
 
     // There are no command-line options, the toolkit's included.
     int argumentCount = 1;
-    const QApplication application(argumentCount, argv);
+    // Its loop over plain poll() takes less of the time of an event; what this program starts keeps
+    // its own.
+    qputenv("QT_NO_GLIB", "1");
+    const Application application(argumentCount, argv);
+    qunsetenv("QT_NO_GLIB");
+    XToolkit::ignoreButtonStates();
     QApplication::setApplicationName(QStringLiteral("Quenthisar"));
     QApplication::setQuitOnLastWindowClosed(false);
     const ExitSignals exitSignals([] { QApplication::quit(); });
+    instance.onQuit([] { QApplication::quit(); });
 
     QtMainQueue queue;
     JsonFileDefaults defaults(JsonFileDefaults::standardPath(), log);
     DesktopSpace space;
     XDisplays displays(space);
-    XInputSession input(space, log);
+    XInputSession input(space, log,
+                        [&guard](std::uint32_t resource) { guard.setInputHolder(resource); });
     XEventTaps taps(input);
     XCursor cursor(input);
     X11AccessibilityTrust trust;
     BluezCentral central;
     AutostartItem loginItem(AutostartItem::standardPath(), QApplication::applicationFilePath());
     SpawnLauncher launcher;
+    XHotkeys hotkeys(input);
+    Panels panels(space);
+    XPasteboard pasteboard;
+    QtSerialQueue typingQueue;
 
-    AppDelegate delegate(
-        {queue, defaults, displays, taps, cursor, trust, central, loginItem, launcher, log});
+    AppDelegate delegate({queue, defaults, displays, taps, cursor, trust, central, loginItem,
+                          launcher, log, hotkeys, panels, pasteboard, typingQueue});
     delegate.applicationDidFinishLaunching();
+    const auto guarded =
+        delegate.state.takeover.subscribe([&](const std::optional<Takeover>& takeover) {
+            const auto path = takeover ? central.objectPath(takeover->dongleID) : QString();
+            // At the end of the program the guard stays until the release is out.
+            if (takeover || running) guard.setDongle(path.toStdString());
+        });
+    const SessionLock lock([&input](bool isLocked) { input.setDeaf(isLocked); });
     running = delegate.eventTap.get();
     std::atexit(releaseTarget);
     const int result = QApplication::exec();
 
+    // What is typed must not follow the releases.
+    typingQueue.finish();
     releaseTarget();
-    central.drain(lastWrites);
+    // A profile's chord may wait for its release.
+    for (const auto& dongle : *delegate.state.dongles)
+        delegate.dongleManager->send(Report::allKeysUp(), dongle.id);
+    if (central.drain(lastWrites)) guard.setDongle({});
     return result;
 }

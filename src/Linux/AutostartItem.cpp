@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/AutostartItem.h"
 
+#include "Linux/ConfigFolder.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QStandardPaths>
 
 namespace quenthisar {
 
@@ -24,11 +25,13 @@ QString execArgument(const QString& text) {
     return u'"' + quoted + u'"';
 }
 
+constexpr qint64 lineLimit = 65'536; // of what is read at once; no entry has such lines
+
 /// Whether the desktop entry is switched off.
 bool isHidden(QFile& entry) {
     bool inMainGroup = false, hidden = false;
     while (!entry.atEnd()) {
-        const QByteArray line = entry.readLine().trimmed();
+        const QByteArray line = entry.readLine(lineLimit).trimmed();
         if (line.startsWith('[')) inMainGroup = line == "[Desktop Entry]";
         const auto equals = line.indexOf('=');
         if (inMainGroup && equals > 0 && line.left(equals).trimmed() == "Hidden")
@@ -40,17 +43,18 @@ bool isHidden(QFile& entry) {
 } // namespace
 
 QString AutostartItem::standardPath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/autostart/com.vornack.quenthisar.desktop");
+    return configFolder() + QStringLiteral("/autostart/com.vornack.quenthisar.desktop");
 }
 
 AutostartItem::AutostartItem(QString entry, QString executable)
     : path(std::move(entry)), program(std::move(executable)) {}
 
 LoginItemStatus AutostartItem::status() {
+    const QFileInfo information(path);
+    if (!information.exists()) return LoginItemStatus::notRegistered;
+    // Opening a pipe would wait for somebody to write.
     QFile entry(path);
-    if (!entry.exists()) return LoginItemStatus::notRegistered;
-    if (!entry.open(QIODevice::ReadOnly)) return LoginItemStatus::notFound;
+    if (!information.isFile() || !entry.open(QIODevice::ReadOnly)) return LoginItemStatus::notFound;
     return isHidden(entry) ? LoginItemStatus::requiresApproval : LoginItemStatus::enabled;
 }
 
@@ -58,13 +62,16 @@ std::optional<std::string> AutostartItem::registerItem() {
     const QString folder = QFileInfo(path).path();
     if (!QDir().mkpath(folder)) return "cannot create " + folder.toStdString();
     QSaveFile entry(path);
-    const QString text = QStringLiteral("[Desktop Entry]\n"
-                                        "Type=Application\n"
-                                        "Name=Quenthisar\n"
-                                        "Exec=%1\n")
-                             .arg(execArgument(program));
+    const auto text = QStringLiteral("[Desktop Entry]\n"
+                                     "Type=Application\n"
+                                     "Name=Quenthisar\n"
+                                     "Exec=%1\n")
+                          .arg(execArgument(program))
+                          .toUtf8();
     if (!entry.open(QIODevice::WriteOnly)) return entry.errorString().toStdString();
-    entry.write(text.toUtf8());
+    // A disk that is nearly full takes a part, and `commit` calls that no error.
+    if (entry.write(text) != text.size() || !entry.flush())
+        return "cannot write all of " + path.toStdString();
     if (!entry.commit()) return entry.errorString().toStdString();
     return std::nullopt;
 }

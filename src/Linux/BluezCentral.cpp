@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QRegularExpression>
 #include <QThread>
 
 #include <algorithm>
@@ -32,6 +33,13 @@ std::optional<std::string> nameOf(const QVariantMap& device) {
     if (alias.isEmpty() || asAddress == device.value(u"Address"_s).toString().toUpper())
         return std::nullopt;
     return alias.toStdString();
+}
+
+/// Whether there is something to tell the device by.
+bool hasAddress(const QVariantMap& device) {
+    static const QRegularExpression address{u"^[0-9A-Fa-f]{2}(:[0-9A-Fa-f]{2}){5}$"_s};
+    const auto value = device.value(u"Address"_s);
+    return value.typeId() == QMetaType::QString && address.match(value.toString()).hasMatch();
 }
 
 /// What doesn't advertise because it is connected is there too.
@@ -180,11 +188,15 @@ BluezCentral::BluezPeripheralPtr BluezCentral::shared(const BluezPeripheral& per
 }
 
 void BluezCentral::sign(const QString& path, const QVariantMap& device) {
-    if (!isOnOurAdapter(device) || !offersService(device)) return;
-    auto& peripheral = peripherals[identifierOf(device)];
-    BluezLinkObserver& observer = *this;
-    if (!peripheral)
+    if (!isOnOurAdapter(device) || !offersService(device) || !hasAddress(device)) return;
+    // An object stays the peripheral that it was: pairing may bring out another address.
+    auto peripheral = at(path);
+    if (!peripheral) peripheral = known(device);
+    if (!peripheral) {
+        BluezLinkObserver& observer = *this;
         peripheral = std::make_shared<BluezPeripheral>(daemon, observer, identifierOf(device));
+        peripherals.emplace(peripheral->identifier(), peripheral);
+    }
     peripheral->appeared(path);
     peripheral->setName(nameOf(device));
     if (peripheral->sighting.sign(BluezSighting::Clock::now())) discover(peripheral);
@@ -256,7 +268,12 @@ void BluezCentral::linkDown(BluezPeripheral& peripheral, const CentralError& err
     if (delegate) delegate->didDisconnect(shared(peripheral), error);
 }
 
-void BluezCentral::drain(std::chrono::milliseconds limit) {
+QString BluezCentral::objectPath(const Uuid& identifier) const {
+    const auto entry = peripherals.find(identifier);
+    return entry != peripherals.end() ? entry->second->path() : QString();
+}
+
+bool BluezCentral::drain(std::chrono::milliseconds limit) {
     const QDeadlineTimer deadline(limit);
     const auto all = peripherals; // what the answers bring may add to them
     for (const auto& [id, peripheral] : all) {
@@ -267,6 +284,7 @@ void BluezCentral::drain(std::chrono::milliseconds limit) {
             QThread::msleep(1);
         }
     }
+    return std::ranges::all_of(all, [](const auto& entry) { return entry.second->isDrained(); });
 }
 
 } // namespace quenthisar

@@ -31,10 +31,14 @@ public:
     void connect(const PeripheralPtr& peripheral) override;
     void cancelConnection(const PeripheralPtr& peripheral) override;
 
-    /// Waits, blocking, until the daemon has taken everything that was written, at most `limit`.
+    /// The daemon's object of a discovered peripheral, empty for none.
+    QString objectPath(const Uuid& identifier) const;
+
+    /// Waits, blocking, until the daemon has taken everything that was written, at most `limit`;
+    /// false if it has not.
     /// For the end of the program, after the event loop: what needs the loop, such as payloads
     /// that wait for the probe's answer, stays where it is.
-    void drain(std::chrono::milliseconds limit);
+    bool drain(std::chrono::milliseconds limit);
 
 private:
     using BluezPeripheralPtr = std::shared_ptr<BluezPeripheral>;

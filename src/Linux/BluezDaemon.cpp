@@ -18,6 +18,7 @@ constexpr QLatin1String objectManager{"org.freedesktop.DBus.ObjectManager"};
 constexpr QLatin1String propertiesInterface{"org.freedesktop.DBus.Properties"};
 constexpr QLatin1String accessDenied{"org.freedesktop.DBus.Error.AccessDenied"};
 constexpr std::chrono::seconds readAgain{1};
+constexpr std::chrono::seconds askAgainWhenDenied{5};
 
 template <class Value>
 Value argument(const QDBusMessage& message, qsizetype index) {
@@ -78,8 +79,16 @@ void BluezDaemon::call(const QString& path, const QString& interface, const QStr
               [this, asked = owner, answer = std::move(answer)](const QDBusMessage& reply) {
                   answer(reply);
                   if (reply.errorName() == accessDenied && owner == asked && !asked.isEmpty())
-                      forget(Presence::denied);
+                      deny(asked);
               });
+}
+
+void BluezDaemon::deny(const QString& denier) {
+    forget(Presence::denied);
+    // A policy may change with the session, and tells nobody.
+    ownQueue.after(askAgainWhenDenied, [this, denier, number = ++denials] {
+        if (currentPresence == Presence::denied && number == denials) follow(denier);
+    });
 }
 
 void BluezDaemon::readObjects(

@@ -84,6 +84,7 @@ private:
 
     void follow(const QString& nextOwner);
     void forget(Presence next);
+    void deny(const QString& denier);
     void read();
     void add(const QString& path, const BluezInterfaces& interfaces);
     void asyncCall(const QDBusMessage& message, Limit limit, Answer answer);
@@ -92,6 +93,7 @@ private:
     BluezFollower& follower;
     Presence currentPresence = Presence::unknown;
     QString owner; // the daemon's unique name
+    int denials = 0;
     QMap<QString, QVariantMap> adapterPicture, devicePicture;
     QtMainQueue ownQueue; // last, so that it goes first
 };

@@ -50,10 +50,23 @@ void BluezDiscovery::startDiscovery() {
 }
 
 void BluezDiscovery::again(const QDBusMessage& refusal) {
-    if (refusal.errorName() == "org.bluez.Error.InProgress"_L1) return; // it already discovers
-    daemon.queue().after(askAgain, guard.bind([this, mine = wish] {
-        if (mine == wish) setFilter();
+    // Either it already discovers for us, or the controller is still busy with what a killed daemon
+    // has asked of it, and nothing comes of our wish.
+    const bool mayHaveIt = refusal.errorName() == "org.bluez.Error.InProgress"_L1;
+    daemon.queue().after(askAgain, guard.bind([this, mayHaveIt, mine = wish] {
+        if (mine != wish) return;
+        if (mayHaveIt)
+            stopDiscovery();
+        else
+            setFilter();
     }));
+}
+
+void BluezDiscovery::stopDiscovery() {
+    daemon.call(adapter, Bluez::adapter, u"StopDiscovery"_s, {}, BluezDaemon::Limit::usual,
+                guard.bind([this, mine = wish](const QDBusMessage&) {
+                    if (mine == wish) setFilter();
+                }));
 }
 
 } // namespace quenthisar

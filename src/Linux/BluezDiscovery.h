@@ -22,6 +22,7 @@ public:
 private:
     void setFilter();
     void startDiscovery();
+    void stopDiscovery();
     void again(const QDBusMessage& refusal);
 
     BluezDaemon& daemon;

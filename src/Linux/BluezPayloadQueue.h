@@ -20,9 +20,8 @@ public:
     /// Nobody wants the keys of half a minute typed in one burst.
     static constexpr std::chrono::seconds staleAge{2};
 
-    /// Appends. Beyond `motionLimit` the oldest pure motion is dropped: a mouse report that moves
-    /// an ordinary distance and changes neither buttons nor wheel. False if `otherLimit` others
-    /// wait: then the link is hopeless.
+    /// Appends. Beyond `motionLimit` the oldest pure motion is dropped. False if `otherLimit`
+    /// others wait: then the link is hopeless.
     [[nodiscard]] bool push(const Payload& payload, Clock::time_point now);
 
     /// Drops what is older than `staleAge`, but keeps the state in which it leaves the target: the
@@ -44,8 +43,8 @@ private:
     void dropOldestMotion();
 
     std::deque<Entry> entries;
-    std::size_t motions = 0;        // of `entries`, how many are pure motion
-    std::uint8_t latestButtons = 0; // of the mouse report pushed last
+    std::size_t motions = 0; // of `entries`, how many are pure motion
+    Payload latestMouse = Report::mouse({});
 };
 
 } // namespace quenthisar

@@ -20,6 +20,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// Asked again while another client has the characteristic to itself.
+constexpr std::chrono::milliseconds acquireAgain{500};
+
+/// The daemon refuses because of another client; it will not always.
+bool isTaken(const QDBusMessage& reply) {
+    const auto name = reply.errorName();
+    return name == "org.bluez.Error.NotPermitted"_L1 || name == "org.bluez.Error.InProgress"_L1;
+}
+
 QVariantList writeArguments(const Payload& payload, const QString& type) {
     const QByteArray bytes(reinterpret_cast<const char*>(payload.data()), std::ssize(payload));
     return {bytes, QVariantMap{{u"type"_s, type}}};
@@ -70,6 +79,7 @@ void BluezPayloadWriter::flush() {
     switch (way) {
     case Way::unknown: acquire(); return;
     case Way::acquiring:
+    case Way::taken:
     case Way::none: return;
     case Way::descriptor: sendThroughDescriptor(); return;
     case Way::commands: sendCommand(); return;
@@ -81,6 +91,10 @@ void BluezPayloadWriter::acquire() {
     daemon.call(
         QString::fromStdString(target.handle), Bluez::gattCharacteristic, u"AcquireWrite"_s,
         {QVariantMap{}}, BluezDaemon::Limit::none, guard.bind([this](const QDBusMessage& reply) {
+            if (isTaken(reply)) {
+                waitForOthers();
+                return;
+            }
             way = Way::commands;
             if (reply.signature() == "hq"_L1)
                 take(reply.arguments().at(0).value<QDBusUnixFileDescriptor>().fileDescriptor());
@@ -88,10 +102,20 @@ void BluezPayloadWriter::acquire() {
         }));
 }
 
+void BluezPayloadWriter::waitForOthers() {
+    way = Way::taken; // commands are refused just so
+    daemon.queue().after(acquireAgain, guard.bind([this] {
+        if (way != Way::taken) return;
+        way = Way::unknown;
+        if (!queue.empty()) flush();
+    }));
+}
+
 void BluezPayloadWriter::take(int acquired) {
     descriptor = ::fcntl(acquired, F_DUPFD_CLOEXEC, 0); // the reply closes its own
     if (descriptor < 0) return;
     way = Way::descriptor;
+    carried = false;
     writable = std::make_unique<QSocketNotifier>(descriptor, QSocketNotifier::Write);
     writable->setEnabled(false);
     QObject::connect(writable.get(), &QSocketNotifier::activated, writable.get(),
@@ -105,14 +129,16 @@ void BluezPayloadWriter::sendThroughDescriptor() {
         const auto sent =
             ::send(descriptor, payload.data(), payload.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
         if (sent >= 0) {
+            carried = true;
             queue.pop();
         } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
             break;
         } else if (errno != EINTR) {
-            // The far end closed it: the link is going down, or else the bus still works.
+            // The far end closed it: the link is going down, or else there is another to be had.
+            // One that never carried anything is not asked for again.
             closeDescriptor();
-            way = Way::commands;
-            sendCommand();
+            way = carried ? Way::unknown : Way::commands;
+            flush();
             return;
         }
     }

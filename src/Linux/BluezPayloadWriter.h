@@ -45,9 +45,11 @@ public:
     void flush();
 
 private:
-    enum class Way { unknown, acquiring, descriptor, commands, none };
+    /// `taken`: another client has the characteristic to itself.
+    enum class Way { unknown, acquiring, taken, descriptor, commands, none };
 
     void acquire();
+    void waitForOthers();
     void take(int acquired);
     void sendThroughDescriptor();
     void sendCommand();
@@ -61,6 +63,7 @@ private:
     int requests = 0;
     bool commandUnderWay = false;
     int descriptor = -1;
+    bool carried = false;                      // the descriptor has taken a payload
     std::unique_ptr<QSocketNotifier> writable; // enabled while the descriptor is full
     WeakGuard guard;
 };

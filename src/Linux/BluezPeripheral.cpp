@@ -34,6 +34,10 @@ bool BluezPeripheral::setName(const std::optional<std::string>& name) {
     return std::exchange(shownName, name) != name;
 }
 
+void BluezPeripheral::appeared(const QString& path) {
+    if (devicePath.isEmpty() || currentState == PeripheralState::disconnected) devicePath = path;
+}
+
 // The link.
 
 void BluezPeripheral::connect() {
@@ -65,8 +69,9 @@ void BluezPeripheral::connectAnswered(const QDBusMessage& reply) {
 }
 
 void BluezPeripheral::becomeConnectedIfReady() {
-    const auto device = daemon.devices().value(devicePath);
-    if (!holds(device, u"Connected"_s) || !holds(device, u"ServicesResolved"_s)) return;
+    // Connected is not looked at: a daemon that hears of the link from the socket first, as happens
+    // while it discovers, never announces it.
+    if (!accepted || !holds(daemon.devices().value(devicePath), u"ServicesResolved"_s)) return;
     currentState = PeripheralState::connected;
     observer.linkUp(*this);
 }
@@ -75,8 +80,7 @@ void BluezPeripheral::changed(const QVariantMap& properties) {
     const bool wentDown = properties.contains(u"Connected"_s) && !holds(properties, u"Connected"_s);
     switch (currentState) {
     case PeripheralState::connecting:
-        if (!accepted) return;
-        if (wentDown)
+        if (wentDown && accepted)
             fail(lostText);
         else
             becomeConnectedIfReady();

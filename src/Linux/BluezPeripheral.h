@@ -42,8 +42,9 @@ public:
     void writeValue(const Payload& value, const Characteristic& characteristic,
                     WriteType type) override;
 
-    /// The central's part. `path` is the daemon's object of the device; empty for none.
-    void appeared(const QString& path) { devicePath = path; }
+    /// The central's part. `path` is the daemon's object of the device. During a link or an attempt
+    /// it stays the one that has it.
+    void appeared(const QString& path);
     /// The object is gone, and a link with it.
     void vanished();
     void changed(const QVariantMap& properties);

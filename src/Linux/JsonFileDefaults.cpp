@@ -1,17 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/JsonFileDefaults.h"
 
+#include "Linux/ConfigFolder.h"
+
 #include <QByteArray>
 #include <QDateTime>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
-#include <QStandardPaths>
 
 #include <nlohmann/json.hpp>
 
 #include <cmath>
+#include <cstdio>
+#include <iterator>
 #include <type_traits>
 
 namespace quenthisar {
@@ -23,6 +26,30 @@ using Json = nlohmann::json;
 constexpr const char* dataMember = "$data";
 constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
 constexpr auto folderOwnerOnly = ownerOnly | QFile::ExeOwner;
+
+/// Settings have some kilobytes and three levels. What is far beyond was not written by us, and
+/// would make each start and each set long, or writing it overflow the stack.
+constexpr qint64 sizeLimit = 4'000'000;
+constexpr int depthLimit = 100;
+
+/// None where it is no settings.
+std::optional<Json> readFile(const QString& path) {
+    // Only a file: opening a pipe would wait for somebody to write.
+    const QFileInfo information(path);
+    QFile file(path);
+    if (!information.isFile() || information.size() > sizeLimit || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFile::NoError) return std::nullopt;
+    bool isTooDeep = false;
+    const auto watchDepth = [&isTooDeep](int depth, Json::parse_event_t, const Json&) {
+        isTooDeep = isTooDeep || depth > depthLimit;
+        return !isTooDeep;
+    };
+    auto json = Json::parse(bytes.begin(), bytes.end(), watchDepth, false);
+    if (isTooDeep || !json.is_object()) return std::nullopt;
+    return json;
+}
 
 std::optional<DefaultsData> readData(const Json& json) {
     if (!json.is_object() || json.size() != 1) return std::nullopt;
@@ -81,8 +108,7 @@ Json written(const DefaultsValue& value) {
 } // namespace
 
 QString JsonFileDefaults::standardPath() {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/quenthisar/defaults.json");
+    return configFolder() + QStringLiteral("/quenthisar/defaults.json");
 }
 
 JsonFileDefaults::JsonFileDefaults(QString file, SystemLog& systemLog)
@@ -93,20 +119,19 @@ JsonFileDefaults::JsonFileDefaults(QString file, SystemLog& systemLog)
 JsonFileDefaults::~JsonFileDefaults() = default;
 
 void JsonFileDefaults::load() {
-    QFile file(path);
-    if (!file.exists()) return;
-    if (!file.open(QIODevice::ReadOnly)) return moveAside();
-    const QByteArray bytes = file.readAll();
-    auto json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
-    if (file.error() != QFile::NoError || !json.is_object()) return moveAside();
-    *root = std::move(json);
+    if (!QFileInfo::exists(path)) return;
+    if (auto json = readFile(path))
+        *root = std::move(*json);
+    else
+        moveAside();
 }
 
 void JsonFileDefaults::moveAside() {
     const auto time =
         QDateTime::currentDateTimeUtc().toString(QStringLiteral("yyyyMMddThhmmsszzz"));
     const QString aside = path + QStringLiteral(".corrupt-") + time;
-    mayReplace = QFile::rename(path, aside);
+    // Not the toolkit's: where this fails, it copies.
+    mayReplace = std::rename(QFile::encodeName(path), QFile::encodeName(aside)) == 0;
     const char* outcome = mayReplace ? "moved aside: " : "and cannot be moved aside: ";
     log.log("Quenthisar: settings file is unreadable, " + (outcome + aside.toStdString()));
 }
@@ -138,8 +163,9 @@ bool JsonFileDefaults::write() {
     file.setPermissions(ownerOnly);
     // Text that is no UTF-8 is stored with replacement characters rather than not at all.
     const std::string text = root->dump(4, ' ', false, Json::error_handler_t::replace) + '\n';
-    file.write(text.data(), static_cast<qint64>(text.size()));
-    return file.commit();
+    // A disk that is nearly full takes a part, and `commit` calls that no error.
+    return file.write(text.data(), std::ssize(text)) == std::ssize(text) && file.flush() &&
+           file.commit();
 }
 
 } // namespace quenthisar

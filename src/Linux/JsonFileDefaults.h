@@ -15,8 +15,9 @@ namespace quenthisar {
 /// The settings as one JSON file, read once and replaced as a whole by each set that changes
 /// something. Byte data stands in it as {"$data": "<base64>"}; keys that are not ours stay.
 ///
-/// A file that does not parse, or is no object, is moved aside before anything is written. A file
-/// that cannot be written costs nothing but the storing. Each is logged once per process.
+/// A file that does not parse, is no object or far too large, and what is no file, is moved aside
+/// before anything is written. A file that cannot be written costs nothing but the storing. Each is
+/// logged once per process. A link is written through: what it leads to is replaced.
 class JsonFileDefaults final : public UserDefaults {
 public:
     /// `$XDG_CONFIG_HOME/quenthisar/defaults.json`, or the same in `~/.config`.

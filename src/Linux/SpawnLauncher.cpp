@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <memory>
@@ -10,6 +11,7 @@
 #include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 #include <vector>
 
@@ -20,20 +22,23 @@ namespace {
 /// What goes through the pipe: the address of a description, which the thread then owns.
 using Order = void*;
 
+constexpr int lookAgain = 500; // milliseconds, where nothing tells when to look
+
 /// What a started program gets: no descriptor of ours but the standard streams, and every signal
 /// as a program expects it.
 class SpawnSettings {
 public:
     SpawnSettings() {
-        ::posix_spawn_file_actions_init(&actions);
-        ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
-        ::posix_spawnattr_init(&attributes);
         sigset_t every, none;
         sigfillset(&every);
         sigemptyset(&none);
-        ::posix_spawnattr_setsigdefault(&attributes, &every);
-        ::posix_spawnattr_setsigmask(&attributes, &none);
-        ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+        isComplete = ::posix_spawn_file_actions_init(&actions) == 0 &&
+                     ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1) == 0 &&
+                     ::posix_spawnattr_init(&attributes) == 0 &&
+                     ::posix_spawnattr_setsigdefault(&attributes, &every) == 0 &&
+                     ::posix_spawnattr_setsigmask(&attributes, &none) == 0 &&
+                     ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF |
+                                                                 POSIX_SPAWN_SETSIGMASK) == 0;
     }
     SpawnSettings(const SpawnSettings&) = delete;
     SpawnSettings& operator=(const SpawnSettings&) = delete;
@@ -44,6 +49,7 @@ public:
 
     /// The process's id, or 0.
     pid_t start(ProcessDescription process) const {
+        if (!isComplete) return 0; // a program must not get what is ours
         std::vector<char*> arguments{process.executable.data()};
         for (auto& argument : process.arguments) arguments.push_back(argument.data());
         arguments.push_back(nullptr);
@@ -54,6 +60,7 @@ public:
     }
 
 private:
+    bool isComplete = false;
     posix_spawn_file_actions_t actions{};
     posix_spawnattr_t attributes{};
 };
@@ -70,11 +77,14 @@ public:
 
     void run() {
         for (;;) {
-            if (::poll(watched.data(), watched.size(), -1) < 0) {
+            if (::poll(watched.data(), watched.size(), unwatched.empty() ? -1 : lookAgain) < 0) {
                 if (errno == EINTR) continue;
-                return;
+                if (errno != ENOMEM && errno != EAGAIN) return;
+                std::this_thread::sleep_for(std::chrono::milliseconds{lookAgain});
+                continue;
             }
             reapEnded();
+            reapUnwatched();
             if (watched.front().revents != 0 && !takeOrder()) return;
         }
     }
@@ -89,7 +99,10 @@ private:
         const pid_t pid = settings.start(std::move(*process));
         if (pid == 0) return true;
         const auto descriptor = static_cast<int>(::syscall(SYS_pidfd_open, pid, 0));
-        if (descriptor >= 0) watched.push_back({descriptor, POLLIN, 0});
+        if (descriptor >= 0)
+            watched.push_back({descriptor, POLLIN, 0});
+        else
+            unwatched.push_back(pid);
         return true;
     }
 
@@ -103,8 +116,13 @@ private:
         });
     }
 
+    void reapUnwatched() {
+        std::erase_if(unwatched, [](pid_t pid) { return ::waitpid(pid, nullptr, WNOHANG) != 0; });
+    }
+
     const SpawnSettings settings;
-    std::vector<pollfd> watched; // first the pipe, then one descriptor per process
+    std::vector<pollfd> watched;  // first the pipe, then one descriptor per process
+    std::vector<pid_t> unwatched; // those that no descriptor was left for
 };
 
 } // namespace
@@ -112,8 +130,12 @@ private:
 SpawnLauncher::SpawnLauncher() {
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
-    orders = ends[1];
-    thread = std::thread([end = ends[0]] { LauncherLoop(end).run(); });
+    try {
+        thread = std::thread([end = ends[0]] { LauncherLoop(end).run(); });
+        orders = ends[1];
+    } catch (const std::system_error&) { // the user has too many threads
+        for (const int end : ends) ::close(end);
+    }
 }
 
 SpawnLauncher::~SpawnLauncher() {

@@ -2,6 +2,7 @@
 #include "Linux/XConnection.h"
 
 #include <cstdint>
+#include <poll.h>
 
 namespace quenthisar {
 
@@ -16,6 +17,11 @@ std::unique_ptr<XConnection> XConnection::open(const char* display) {
     }
     xcb_disconnect(connection);
     return nullptr;
+}
+
+void XConnection::noticeEnd() {
+    pollfd socket{xcb_get_file_descriptor(connection), 0, 0};
+    if (::poll(&socket, 1, 0) > 0) closed = true;
 }
 
 const xcb_query_extension_reply_t* XConnection::extension(xcb_extension_t& id) const {

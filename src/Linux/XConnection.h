@@ -47,7 +47,10 @@ public:
 
     xcb_connection_t* get() const { return connection; }
     xcb_window_t root() const { return screen.root; }
-    bool isLost() const { return xcb_connection_has_error(connection) != 0; }
+    bool isLost() const { return closed || xcb_connection_has_error(connection) != 0; }
+    /// Looks whether the server has closed it. If so it is lost from now on, whatever the server
+    /// had sent before that.
+    void noticeEnd();
     void flush() const { xcb_flush(connection); }
 
     /// The extension's numbers, or null when the server lacks it.
@@ -63,6 +66,7 @@ private:
 
     xcb_connection_t* connection;
     const xcb_screen_t& screen;
+    bool closed = false;
 };
 
 } // namespace quenthisar

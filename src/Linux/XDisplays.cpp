@@ -18,17 +18,24 @@ constexpr std::chrono::milliseconds quietTime{250};
 
 } // namespace
 
-XDisplays::XDisplays(DesktopSpace& desktop) : space(desktop), connection(XConnection::open()) {
+XDisplays::XDisplays(DesktopSpace& desktop) : space(desktop) {
     settled.setSingleShot(true);
     settled.setInterval(quietTime);
     QObject::connect(&settled, &QTimer::timeout, &settled, [this] {
         const auto handler = changed;
         if (handler) handler();
     });
+    open();
+}
+
+void XDisplays::open() {
+    pump.reset();
+    connection = XConnection::open();
     if (connection && !selectEvents()) connection.reset();
     if (connection)
         pump = std::make_unique<XEventPump>(
-            *connection, XEventPump::Handlers{.event = [this](const auto& event) { take(event); }});
+            *connection, XEventPump::Handlers{.event = [this](const auto& event) { take(event); },
+                                              .lost = [this] { settled.start(); }});
 }
 
 bool XDisplays::selectEvents() {
@@ -52,6 +59,7 @@ bool XDisplays::selectEvents() {
 }
 
 std::vector<Screen> XDisplays::screens() {
+    if (!connection || connection->isLost()) open();
     monitors = connection ? readMonitors(*connection) : std::vector<Monitor>{};
     putPrimaryFirst(monitors);
     if (!monitors.empty()) space.setPrimary(monitors.front().frame);

@@ -13,7 +13,8 @@
 
 namespace quenthisar {
 
-/// The monitors of an X server with RandR 1.5. With no such server there are no displays.
+/// The monitors of an X server with RandR 1.5. With no such server there are no displays. A lost
+/// connection counts as a change, and is opened again when the displays are asked for.
 class XDisplays final : public Displays {
 public:
     /// `desktop` follows the list that was last handed out, and outlives this.
@@ -25,6 +26,7 @@ public:
     void onChange(std::function<void()> handler) override { changed = std::move(handler); }
 
 private:
+    void open();
     bool selectEvents();
     void take(const xcb_generic_event_t& event);
 

@@ -1,17 +1,40 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/XEventPump.h"
 
+#include <QEvent>
+
 #include <utility>
 
 namespace quenthisar {
 
-XEventPump::XEventPump(const XConnection& source, Handlers actions)
+namespace {
+
+/// Shorter than the silence after which the guard closes a connection.
+constexpr std::chrono::seconds longPause{1};
+
+constexpr std::chrono::milliseconds restLength{2};
+
+} // namespace
+
+XEventPump::XEventPump(XConnection& source, Handlers actions)
     : connection(source), handlers(std::move(actions)),
-      notifier(xcb_get_file_descriptor(source.get()), QSocketNotifier::Read) {
+      notifier(xcb_get_file_descriptor(source.get()), *this) {
     soon.setSingleShot(true);
     QObject::connect(&soon, &QTimer::timeout, &soon, [this] { drain(); });
-    QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [this] { drain(); });
+    restEnd.setSingleShot(true);
+    restEnd.setTimerType(Qt::PreciseTimer);
+    restEnd.setInterval(restLength);
+    QObject::connect(&restEnd, &QTimer::timeout, &restEnd, [this] {
+        notifier.setEnabled(!lost);
+        drain();
+    });
     drainSoon();
+}
+
+bool XEventPump::Notifier::event(QEvent* event) {
+    if (event->type() != QEvent::SockAct) return QSocketNotifier::event(event);
+    pump.drain();
+    return true;
 }
 
 void XEventPump::drainSoon() {
@@ -19,25 +42,36 @@ void XEventPump::drainSoon() {
     if (!draining && !lost) soon.start(0);
 }
 
+void XEventPump::rest() {
+    if (restEnd.isActive()) return;
+    notifier.setEnabled(false);
+    restEnd.start();
+}
+
 void XEventPump::drain() {
     // A handler that runs an event loop of its own must not change the order of events.
     if (std::exchange(draining, true)) return;
-    XOwned<xcb_generic_event_t> event;
-    bool hadReply = false;
-    do {
-        for (event.reset(xcb_poll_for_event(connection.get())); event;
-             event.reset(xcb_poll_for_event(connection.get())))
-            handlers.event(*event);
-        // Writing reads the socket too: what it has read, nothing announces any more.
-        connection.flush();
-        hadReply = handlers.replies();
-        event.reset(xcb_poll_for_queued_event(connection.get()));
-        if (event) handlers.event(*event);
-    } while (event || hadReply);
+    // After a while what has arrived may be old, and sent before the server closed the connection.
+    const auto now = std::chrono::steady_clock::now();
+    if (now - std::exchange(lastDrain, now) > longPause) connection.noticeEnd();
+    if (!connection.isLost()) {
+        // Reads once. Of what is still to be read, the descriptor tells again.
+        XOwned<xcb_generic_event_t> event{xcb_poll_for_event(connection.get())};
+        bool hadReply = false;
+        do {
+            for (; event; event.reset(xcb_poll_for_queued_event(connection.get())))
+                handlers.event(*event);
+            // Writing reads the socket too: what it has read, nothing announces any more.
+            connection.flush();
+            hadReply = handlers.replies();
+            event.reset(xcb_poll_for_queued_event(connection.get()));
+        } while (event || hadReply);
+    }
     draining = false;
     if (!connection.isLost() || std::exchange(lost, true)) return;
     notifier.setEnabled(false);
     soon.stop();
+    restEnd.stop();
     handlers.lost();
 }
 

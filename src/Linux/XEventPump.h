@@ -6,6 +6,7 @@
 #include <QSocketNotifier>
 #include <QTimer>
 
+#include <chrono>
 #include <functional>
 
 namespace quenthisar {
@@ -22,19 +23,35 @@ public:
         std::function<void()> lost = [] {};
     };
 
-    XEventPump(const XConnection& source, Handlers actions);
+    XEventPump(XConnection& source, Handlers actions);
 
     /// To be called after a reply was waited for, or requests were written: what xcb has read
     /// meanwhile is in its queue, where the descriptor no longer announces it.
     void drainSoon();
+    /// Leaves what arrives for the next two milliseconds together, however often it comes.
+    void rest();
 
 private:
+    /// Takes its event itself: a signal would cost more than the rest of the way.
+    class Notifier final : public QSocketNotifier {
+    public:
+        Notifier(qintptr descriptor, XEventPump& owner)
+            : QSocketNotifier(descriptor, QSocketNotifier::Read), pump(owner) {}
+
+    protected:
+        bool event(QEvent* event) override;
+
+    private:
+        XEventPump& pump;
+    };
+
     void drain();
 
-    const XConnection& connection;
+    XConnection& connection;
     Handlers handlers;
-    QSocketNotifier notifier;
-    QTimer soon;
+    Notifier notifier;
+    QTimer soon, restEnd;
+    std::chrono::steady_clock::time_point lastDrain{};
     bool draining = false, lost = false;
 };
 

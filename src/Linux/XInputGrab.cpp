@@ -17,8 +17,9 @@ constexpr std::uint32_t pointerMask = XCB_INPUT_XI_EVENT_MASK_BUTTON_PRESS |
                                       XCB_INPUT_XI_EVENT_MASK_BUTTON_RELEASE |
                                       XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
 
-/// Longer than any desktop.
-constexpr std::uint16_t barrierEnd = 0x7FFF;
+/// Longer than any desktop. The start is -1, of 16 bits: where two lines begin, at 0, the server
+/// lets a diagonal move through.
+constexpr std::uint16_t barrierStart = 0xFFFF, barrierEnd = 0x7FFF;
 
 xcb_input_xi_grab_device_cookie_t grab(const XConnection& connection, XPointers::DeviceId device,
                                        const std::uint32_t& mask) {
@@ -108,10 +109,10 @@ void XInputGrab::createBarriers(std::uint16_t x, std::uint16_t y) {
         std::uint16_t x1, y1, x2, y2;
     };
     const auto right = static_cast<std::uint16_t>(x + 1), below = static_cast<std::uint16_t>(y + 1);
-    const std::array<Line, 4> lines{{{x, 0, x, barrierEnd},
-                                     {right, 0, right, barrierEnd},
-                                     {0, y, barrierEnd, y},
-                                     {0, below, barrierEnd, below}}};
+    const std::array<Line, 4> lines{{{x, barrierStart, x, barrierEnd},
+                                     {right, barrierStart, right, barrierEnd},
+                                     {barrierStart, y, barrierEnd, y},
+                                     {barrierStart, below, barrierEnd, below}}};
     for (std::size_t i = 0; i < lines.size(); ++i) {
         xcb_xfixes_create_pointer_barrier(connection.get(), barriers[i], connection.root(),
                                           lines[i].x1, lines[i].y1, lines[i].x2, lines[i].y2, 0, 0,

@@ -43,6 +43,8 @@ public:
     /// Where the pointer is held, in the root window, and the buttons that were down then (bit n
     /// is button n). Only while active.
     const xcb_input_xi_query_pointer_reply_t& heldPointer() const { return *kept; }
+    /// One that exists on the server exactly while this is active; 0 while it is not.
+    std::uint32_t resource() const { return isActive() ? barriers.front() : 0; }
     /// The sequence number of the first request: what the server sent before it is older.
     unsigned firstSequence() const { return sequence; }
 

@@ -21,6 +21,9 @@ const Event& as(const auto& event) {
     return reinterpret_cast<const Event&>(event);
 }
 
+/// Between two questions where the pointer is: a mouse of 500 Hz and more.
+constexpr std::chrono::milliseconds fastMotion{3};
+
 constexpr std::uint32_t bit(std::uint32_t button) {
     return button < 32 ? 1U << button : 0;
 }
@@ -51,7 +54,7 @@ bool changesDevices(const xcb_ge_generic_event_t& event) {
 } // namespace
 
 void XInputLink::listen(bool on) {
-    listening = on;
+    if (std::exchange(listening, on) == on) return;
     selectEvents(grab.isActive());
     flush();
 }
@@ -71,6 +74,7 @@ void XInputLink::freeze() {
     xtest.start(pixelOf(grab.heldPointer()));
     buttonsDown = buttonsIn(grab.heldPointer());
     lastFlags = keyboard.flags();
+    keysDown.reset();
 }
 
 void XInputLink::thaw() {
@@ -92,14 +96,29 @@ void XInputLink::setHidden(bool on) {
     flush();
 }
 
+bool XInputLink::addHotkey(const Hotkey& hotkey) {
+    const bool isAdded = hotkeys.add(hotkey);
+    pump.drainSoon();
+    return isAdded;
+}
+
 void XInputLink::flush() {
     connection->flush();
     pump.drainSoon();
 }
 
 void XInputLink::take(const xcb_generic_event_t& event) {
+    if (event.response_type == XCB_CONFIGURE_NOTIFY) {
+        const auto& root = as<xcb_configure_notify_event_t>(event);
+        pointers.resize(root.width, root.height);
+        return;
+    }
     if ((event.response_type & 0x7F) != XCB_GE_GENERIC) {
-        if (keyboard.take(event)) takeModifiers();
+        switch (keyboard.take(event)) {
+        case XKeyboard::Change::none: break;
+        case XKeyboard::Change::modifiers: takeModifiers(); break;
+        case XKeyboard::Change::keymap: renewal.start(0); break;
+        }
         return;
     }
     const auto& input = as<xcb_ge_generic_event_t>(event);
@@ -112,7 +131,12 @@ void XInputLink::take(const xcb_generic_event_t& event) {
 
 void XInputLink::takeInput(const xcb_ge_generic_event_t& event) {
     // What happened before the pointer was held belongs to this computer.
-    if (grab.isActive() && oldest.isBefore(event.full_sequence)) return;
+    if (grab.isActive() && oldest.isBefore(event.full_sequence)) {
+        // Devices with positions go on from there all the same.
+        if (event.event_type == XCB_INPUT_RAW_MOTION)
+            pointers.motion(as<xcb_input_raw_motion_event_t>(event));
+        return;
+    }
     switch (event.event_type) {
     case XCB_INPUT_RAW_MOTION: takeRawMotion(as<xcb_input_raw_motion_event_t>(event)); break;
     // While the pointer is ours the server sends no raw buttons, and before that no others.
@@ -128,30 +152,37 @@ void XInputLink::takeInput(const xcb_ge_generic_event_t& event) {
         break;
     case XCB_INPUT_KEY_PRESS:
     case XCB_INPUT_KEY_RELEASE:
-        takeKey(as<xcb_input_key_press_event_t>(event).detail,
-                event.event_type == XCB_INPUT_KEY_PRESS);
+        if (grab.isActive())
+            takeKey(as<xcb_input_key_press_event_t>(event).detail,
+                    event.event_type == XCB_INPUT_KEY_PRESS);
+        else if (event.event_type == XCB_INPUT_KEY_PRESS)
+            takeHotkey(as<xcb_input_key_press_event_t>(event));
         break;
     default: break;
     }
 }
 
+/// A session can have several pointers, each with its own cursor; it is the first that is held.
+bool XInputLink::isOurs(XPointers::DeviceId master) const {
+    return master == pointers.masters().pointer;
+}
+
 void XInputLink::takeRawMotion(const xcb_input_raw_motion_event_t& event) {
     auto motion = pointers.motion(event);
-    if (!motion) return;
+    if (!motion || !isOurs(event.deviceid)) return;
     if (!grab.isActive()) {
         if (listening) queryPointer(event.deviceid);
         return;
     }
-    if (event.deviceid != pointers.masters().pointer) return;
     if (pointers.needsPointer(event)) motion = xtestMotion(event);
     deliverMotion(pacer.add(*motion, MotionPacer::Clock::now()));
     schedulePacer();
 }
 
 void XInputLink::takeRawButton(const xcb_input_raw_button_press_event_t& event) {
-    if (!grab.isActive()) return;
+    if (!grab.isActive() || !isOurs(event.deviceid)) return;
     const bool isDown = event.event_type == XCB_INPUT_RAW_BUTTON_PRESS;
-    takeButton(logicalButton(event.detail), isDown);
+    takeButton(logicalButton(event), isDown);
     if (!isDown) grab.attempt();
 }
 
@@ -173,7 +204,11 @@ void XInputLink::takeButton(std::uint32_t button, bool isDown) {
 }
 
 void XInputLink::takeKey(std::uint32_t keyCode, bool isDown) {
-    if (!grab.isActive() || keyboard.isModifierKey(keyCode)) return;
+    // What went down as a key goes up as one, whatever the keymap says by then.
+    const bool isKnown = keyCode < keysDown.size();
+    const bool wasKey = isKnown && keysDown[keyCode];
+    if (!wasKey && keyboard.isModifierKey(keyCode)) return;
+    if (isKnown) keysDown[keyCode] = isDown;
     const auto key = hostKey(keyCode);
     switch (key.kind) {
     case HostKey::Kind::key:
@@ -191,6 +226,10 @@ void XInputLink::takeKey(std::uint32_t keyCode, bool isDown) {
     }
 }
 
+void XInputLink::takeHotkey(const xcb_input_key_press_event_t& event) {
+    if (const auto identity = hotkeys.match(event)) handlers.pressHotkey(*identity);
+}
+
 /// Modifiers don't wait for the keyboard: the way back must work while its grab is pending.
 void XInputLink::takeModifiers() {
     if (!grab.isActive()) return;
@@ -205,6 +244,9 @@ void XInputLink::queryPointer(XPointers::DeviceId pointer) {
         nextQuery = pointer;
         return;
     }
+    // A fast mouse would wake the program for each of its motions and each of the replies.
+    const auto now = MotionPacer::Clock::now();
+    if (now - std::exchange(lastQuery, now) < fastMotion) pump.rest();
     pendingQuery =
         xcb_input_xi_query_pointer(connection->get(), connection->root(), pointer).sequence;
 }
@@ -238,13 +280,23 @@ FineMotion XInputLink::xtestMotion(const xcb_input_raw_motion_event_t& event) {
     return pointer ? xtest.motion(XPointers::values(event), pixelOf(*pointer)) : FineMotion{};
 }
 
-/// Raw events count a mouse's buttons as they are; left-handed people have them swapped.
-std::uint32_t XInputLink::logicalButton(std::uint32_t physical) const {
+/// Raw events count a mouse's buttons as they are; left-handed people have them swapped, for the
+/// mouse or for the pointer.
+std::uint32_t XInputLink::logicalButton(const xcb_input_raw_button_press_event_t& event) const {
     auto* c = connection->get();
-    const XOwned<xcb_get_pointer_mapping_reply_t> mapping{
-        xcb_get_pointer_mapping_reply(c, xcb_get_pointer_mapping(c), nullptr)};
-    if (!mapping || physical == 0 || physical > mapping->map_len) return physical;
-    return xcb_get_pointer_mapping_map(mapping.get())[physical - 1];
+    const auto mouseCookie =
+        xcb_input_get_device_button_mapping(c, static_cast<std::uint8_t>(event.sourceid));
+    const auto pointerCookie = xcb_get_pointer_mapping(c);
+    const XOwned<xcb_input_get_device_button_mapping_reply_t> mouse{
+        xcb_input_get_device_button_mapping_reply(c, mouseCookie, nullptr)};
+    const XOwned<xcb_get_pointer_mapping_reply_t> pointer{
+        xcb_get_pointer_mapping_reply(c, pointerCookie, nullptr)};
+    auto button = event.detail;
+    if (mouse && 0 < button && button <= mouse->map_size)
+        button = xcb_input_get_device_button_mapping_map(mouse.get())[button - 1];
+    if (pointer && 0 < button && button <= pointer->map_len)
+        button = xcb_get_pointer_mapping_map(pointer.get())[button - 1];
+    return button;
 }
 
 void XInputLink::deliver(const TapEvent& event) {

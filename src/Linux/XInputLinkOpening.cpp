@@ -30,7 +30,10 @@ std::unique_ptr<XInputLink> XInputLink::open(const DesktopSpace& space, Handlers
 
 bool XInputLink::isSupported() {
     const DesktopSpace space;
-    return open(space, {.deliver = [](const TapEvent&) {}, .refusedForLong = [] {}}) != nullptr;
+    return open(space, {.deliver = [](const TapEvent&) {},
+                        .pressHotkey = [](const HotkeyIdentity&) {},
+                        .refusedForLong = [] {},
+                        .lost = [] {}}) != nullptr;
 }
 
 XInputLink::XInputLink(std::unique_ptr<XConnection> opened, const DesktopSpace& desktop,
@@ -42,9 +45,16 @@ XInputLink::XInputLink(std::unique_ptr<XConnection> opened, const DesktopSpace& 
                              [this] {
                                  grab.end();
                                  pacerTimer.stop();
+                                 handlers.lost();
                              }}),
       grab(*connection, {.attempted = [this] { pump.drainSoon(); },
-                         .refusedForLong = [this] { handlers.refusedForLong(); }}) {
+                         .refusedForLong = [this] { handlers.refusedForLong(); }}),
+      hotkeys(*connection, keyboard) {
+    renewal.setSingleShot(true);
+    QObject::connect(&renewal, &QTimer::timeout, &renewal, [this] {
+        hotkeys.renew();
+        pump.drainSoon();
+    });
     pacerTimer.setSingleShot(true);
     pacerTimer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&pacerTimer, &QTimer::timeout, &pacerTimer, [this] { deliverDueMotion(); });
@@ -68,6 +78,8 @@ bool XInputLink::negotiate() {
     if (!fixes || fixes->major_version < fixesMajor || !keyboard.open(*connection)) return false;
     selectOn(*connection, XCB_INPUT_DEVICE_ALL,
              XCB_INPUT_XI_EVENT_MASK_HIERARCHY | XCB_INPUT_XI_EVENT_MASK_DEVICE_CHANGED);
+    const std::uint32_t rootChanges = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(c, connection->root(), XCB_CW_EVENT_MASK, &rootChanges);
     pointers.read(*connection);
     pump.drainSoon();
     return true;

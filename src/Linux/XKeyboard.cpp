@@ -56,27 +56,38 @@ void XKeyboard::select() {
                               watchedMapParts, &details);
 }
 
-bool XKeyboard::take(const xcb_generic_event_t& event) {
-    if ((event.response_type & 0x7F) != firstEvent) return false;
+XKeyboard::Change XKeyboard::take(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7F) != firstEvent) return Change::none;
     const auto& state = reinterpret_cast<const xcb_xkb_state_notify_event_t&>(event);
     if (state.xkbType != XCB_XKB_STATE_NOTIFY) {
         stale = true;
-        return false;
+        return Change::keymap;
     }
     // What was sent before the state was read is older than what was read.
-    if (oldest.isBefore(event.full_sequence)) return false;
-    return std::exchange(modifiers, state.mods) != state.mods;
+    if (oldest.isBefore(event.full_sequence)) return Change::none;
+    return std::exchange(modifiers, state.mods) != state.mods ? Change::modifiers : Change::none;
 }
 
-std::uint64_t XKeyboard::flags() {
+std::uint64_t XKeyboard::flagsOf(std::uint32_t mask) {
     readTables();
     std::uint64_t result = 0;
-    if (modifiers & XCB_MOD_MASK_LOCK) result |= EventFlags::alphaShift;
-    if (modifiers & XCB_MOD_MASK_SHIFT) result |= EventFlags::shift;
-    if (modifiers & XCB_MOD_MASK_CONTROL) result |= EventFlags::control;
-    if (modifiers & bits.option) result |= EventFlags::option;
-    if (modifiers & bits.command) result |= EventFlags::command;
+    if (mask & XCB_MOD_MASK_LOCK) result |= EventFlags::alphaShift;
+    if (mask & XCB_MOD_MASK_SHIFT) result |= EventFlags::shift;
+    if (mask & XCB_MOD_MASK_CONTROL) result |= EventFlags::control;
+    if (mask & bits.option) result |= EventFlags::option;
+    if (mask & bits.command) result |= EventFlags::command;
     return result;
+}
+
+std::vector<std::uint32_t> XKeyboard::masksOf(std::uint64_t flags) {
+    readTables();
+    const std::uint32_t locks = XCB_MOD_MASK_LOCK | bits.numLock;
+    const std::uint32_t known =
+        locks | XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | bits.option | bits.command;
+    std::vector<std::uint32_t> masks;
+    for (std::uint32_t mask = 0; mask <= 0xFF; ++mask)
+        if ((mask & ~known) == 0 && flagsOf(mask & ~locks) == flags) masks.push_back(mask);
+    return masks;
 }
 
 bool XKeyboard::isModifierKey(std::uint32_t keyCode) {

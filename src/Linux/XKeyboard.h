@@ -7,6 +7,7 @@
 #include <bitset>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace quenthisar {
 
@@ -16,11 +17,16 @@ public:
     /// False when the server lacks XKB. Events of this class arrive on the connection from now on.
     bool open(const XConnection& source);
 
-    /// Takes in `event` if it is one of the keyboard's; true if the state of modifiers changed.
-    bool take(const xcb_generic_event_t& event);
+    enum class Change { none, modifiers, keymap };
+    /// Takes in `event` if it is one of the keyboard's, and tells what has changed with it.
+    Change take(const xcb_generic_event_t& event);
 
     /// Event flags of the modifiers that are on.
-    std::uint64_t flags();
+    std::uint64_t flags() { return flagsOf(modifiers); }
+    /// The same for a mask of X's modifier bits.
+    std::uint64_t flagsOf(std::uint32_t mask);
+    /// Every mask of X's modifier bits that means exactly `flags`, whatever locks are on.
+    std::vector<std::uint32_t> masksOf(std::uint64_t flags);
     /// Modifier keys show in the flags only, never as keys.
     bool isModifierKey(std::uint32_t keyCode);
 

@@ -2,6 +2,7 @@
 #include "Linux/XPointers.h"
 
 #include <cmath>
+#include <utility>
 
 namespace quenthisar {
 
@@ -26,9 +27,10 @@ void XPointers::read(const XConnection& connection) {
         xcb_input_xi_query_device_reply(c, devicesCookie, nullptr)};
     if (!list) return;
     const auto root = connection.rootSize();
+    resize(root.width, root.height);
     const auto xtest = connection.atom(xtestProperty);
 
-    devices.clear();
+    const auto before = std::exchange(devices, {});
     pair = {};
     for (auto it = xcb_input_xi_query_device_infos_iterator(list.get()); it.rem > 0;
          xcb_input_xi_device_info_next(&it)) {
@@ -37,8 +39,8 @@ void XPointers::read(const XConnection& connection) {
             const bool isChosen = chosen && chosen->set && chosen->deviceid == info.deviceid;
             if (isChosen || pair.pointer == 0) pair = {info.deviceid, info.attachment};
         }
-        if (info.type != XCB_INPUT_DEVICE_TYPE_SLAVE_POINTER) continue;
-        auto& entry = devices[info.deviceid] = device(info, root);
+        if (info.type != XCB_INPUT_DEVICE_TYPE_SLAVE_POINTER || !info.enabled) continue;
+        auto& entry = devices[info.deviceid] = device(info);
         if (xtest == XCB_ATOM_NONE) continue;
         const auto cookie =
             xcb_input_xi_get_property(c, info.deviceid, false, xtest, XCB_ATOM_INTEGER, 0, 1);
@@ -46,10 +48,23 @@ void XPointers::read(const XConnection& connection) {
             xcb_input_xi_get_property_reply(c, cookie, nullptr)};
         entry.isXTest = property && property->num_items > 0;
     }
+    if (!before.empty()) keepPositions(before);
 }
 
-XPointers::Device XPointers::device(const xcb_input_xi_device_info_t& info,
-                                    const xcb_rectangle_t& root) const {
+/// What the server says of them may be later than events that are still to come. A device that is
+/// new says where it is with its first event; until then the server has made something up.
+void XPointers::keepPositions(const std::map<DeviceId, Device>& before) {
+    for (auto& [id, device] : devices) {
+        const auto known = before.find(id);
+        for (unsigned number = 0; number < device.axes.size(); ++number) {
+            auto& axis = device.axes[number];
+            const auto* old = known != before.end() ? &known->second.axes[number] : nullptr;
+            axis.last = old && old->units == axis.units ? old->last : std::nullopt;
+        }
+    }
+}
+
+XPointers::Device XPointers::device(const xcb_input_xi_device_info_t& info) {
     Device result;
     for (auto it = xcb_input_xi_device_info_classes_iterator(&info); it.rem > 0;
          xcb_input_device_class_next(&it)) {
@@ -59,10 +74,8 @@ XPointers::Device XPointers::device(const xcb_input_xi_device_info_t& info,
         auto& axis = result.axes[valuator.number];
         axis.absolute = valuator.mode == XCB_INPUT_VALUATOR_MODE_ABSOLUTE;
         axis.last = fine(valuator.value);
-        const double pixels = valuator.number == 0 ? root.width : root.height;
-        const double units = double(valuator.max.integral) - valuator.min.integral + 1;
-        // Without a range the device counts in pixels.
-        if (axis.absolute && units > 1) axis.pixelsPerUnit = pixels / units;
+        if (valuator.max.integral > valuator.min.integral)
+            axis.units = double(valuator.max.integral) - valuator.min.integral + 1;
     }
     return result;
 }
@@ -91,8 +104,10 @@ std::optional<FineMotion> XPointers::motion(const xcb_input_raw_motion_event_t& 
             moved[number] = *now.axis[number];
             continue;
         }
-        const auto units = static_cast<double>(*now.axis[number] - axis.last);
-        moved[number] = std::llround(units * axis.pixelsPerUnit);
+        const auto last = axis.last.value_or(*now.axis[number]);
+        const auto units = static_cast<double>(*now.axis[number] - last);
+        const double pixelsPerUnit = axis.units > 0 ? rootSize[number] / axis.units : 1;
+        moved[number] = std::llround(units * pixelsPerUnit);
         axis.last = *now.axis[number];
     }
     return FineMotion{moved[0], moved[1]};

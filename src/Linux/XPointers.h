@@ -25,10 +25,13 @@ public:
     /// Reads the devices anew. Without effect when the connection is lost.
     void read(const XConnection& connection);
 
+    /// Absolute devices span the root window, which has this size from now on.
+    void resize(std::uint16_t width, std::uint16_t height) { rootSize = {width, height}; }
+
     Masters masters() const { return pair; }
 
-    /// The motion of a raw event; none when it moves nothing (scrolling), or when only the pointer
-    /// itself can tell (`needsPointer`). To be called for every raw motion, or the first
+    /// The motion of a raw event; none when it holds none (scrolling). Only the pointer itself can
+    /// tell it where `needsPointer` says so. To be called for every raw motion, or the next
     /// difference of an absolute device is wrong.
     std::optional<FineMotion> motion(const xcb_input_raw_motion_event_t& event);
 
@@ -44,18 +47,20 @@ public:
 private:
     struct Axis {
         bool absolute = false;
-        double pixelsPerUnit = 1;
-        std::int64_t last = 0; // absolute only
+        double units = 0; // from one end to the other; 0 without a range, it counts in pixels then
+        std::optional<std::int64_t> last; // absolute only; none before its first event
     };
     struct Device {
         std::array<Axis, 2> axes;
         bool isXTest = false;
     };
 
-    Device device(const xcb_input_xi_device_info_t& info, const xcb_rectangle_t& root) const;
+    static Device device(const xcb_input_xi_device_info_t& info);
+    void keepPositions(const std::map<DeviceId, Device>& before);
 
     Masters pair;
     std::map<DeviceId, Device> devices;
+    std::array<std::uint16_t, 2> rootSize{};
 };
 
 } // namespace quenthisar

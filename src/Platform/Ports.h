@@ -8,9 +8,13 @@ class Central;
 class Cursor;
 class Displays;
 class EventTaps;
+class HUDPanels;
+class HotkeyService;
 class LoginItemService;
 class MainQueue;
+class Pasteboard;
 class ProcessLauncher;
+class SerialQueue;
 class SystemLog;
 class UserDefaults;
 
@@ -27,6 +31,10 @@ struct Ports {
     LoginItemService& loginItem;
     ProcessLauncher& launcher;
     SystemLog& log;
+    HotkeyService& hotkeys;
+    HUDPanels& panels;
+    Pasteboard& pasteboard;
+    SerialQueue& typingQueue;
 };
 
 } // namespace quenthisar

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <limits>
 
 namespace quenthisar::Report {
@@ -11,6 +12,8 @@ namespace {
 
 constexpr std::size_t firstKey = 9;
 constexpr std::size_t maximumKeys = 6;
+constexpr std::size_t buttonsAt = 2, dxAt = 3, dyAt = 5, wheelAt = 7;
+constexpr int cornerMove = 7680;
 
 Payload empty(Kind kind) {
     return {static_cast<std::uint8_t>(kind)};
@@ -22,6 +25,10 @@ void writeInt16(Payload& payload, std::size_t at, std::int64_t value) {
     const auto v = std::clamp<std::int64_t>(value, Limits::min(), Limits::max());
     payload[at] = static_cast<std::uint8_t>(v >> 8 & 0xFF);
     payload[at + 1] = static_cast<std::uint8_t>(v & 0xFF);
+}
+
+int readInt16(const Payload& payload, std::size_t at) {
+    return static_cast<std::int16_t>(payload[at] << 8 | payload[at + 1]);
 }
 
 } // namespace
@@ -39,10 +46,10 @@ Payload allKeysUp() {
 
 Payload mouse(const MouseFields& fields) {
     Payload payload = empty(Kind::mouse);
-    payload[2] = fields.buttons;
-    writeInt16(payload, 3, fields.dx);
-    writeInt16(payload, 5, fields.dy);
-    writeInt16(payload, 7, fields.wheel);
+    payload[buttonsAt] = fields.buttons;
+    writeInt16(payload, dxAt, fields.dx);
+    writeInt16(payload, dyAt, fields.dy);
+    writeInt16(payload, wheelAt, fields.wheel);
     return payload;
 }
 
@@ -50,6 +57,20 @@ Payload consumer(std::int64_t usage) {
     Payload payload = empty(Kind::consumer);
     writeInt16(payload, 3, usage);
     return payload;
+}
+
+bool isKind(Kind kind, const Payload& payload) {
+    return payload[0] == static_cast<std::uint8_t>(kind);
+}
+
+bool isPureMotion(const Payload& previousMouse, const Payload& payload) {
+    return isKind(Kind::mouse, payload) && payload[buttonsAt] == previousMouse[buttonsAt] &&
+           readInt16(payload, wheelAt) == 0 && std::abs(readInt16(payload, dxAt)) < cornerMove &&
+           std::abs(readInt16(payload, dyAt)) < cornerMove;
+}
+
+Payload atRest(const Payload& mouse) {
+    return Report::mouse({.buttons = mouse[buttonsAt]});
 }
 
 } // namespace quenthisar::Report

@@ -37,5 +37,15 @@ Payload consumer(std::int64_t usage);
 
 inline constexpr Payload pairingProbe{};
 
+bool isKind(Kind kind, const Payload& payload);
+
+/// Whether `payload` is a mouse report that does nothing but move an ordinary distance: the buttons
+/// are those of `previousMouse`, the mouse report before it, and the wheel stands still. A move
+/// into a corner (7,680 or more) is none.
+bool isPureMotion(const Payload& previousMouse, const Payload& payload);
+
+/// The mouse report with the same buttons that neither moves nor scrolls.
+Payload atRest(const Payload& mouse);
+
 } // namespace Report
 } // namespace quenthisar

@@ -11,8 +11,8 @@ struct EndCase {
     const char* name;
     int signal;
     int exitCode; // -1: ended by the signal
-    // Killed, it can't say anything to the dongle any more, and the daemon keeps the link.
-    bool releasesTarget;
+    // Killed, it can't say anything to the dongle any more: the guard has the link ended.
+    bool endsLink;
 };
 
 void PrintTo(const EndCase& end, std::ostream* out) {
@@ -22,7 +22,19 @@ void PrintTo(const EndCase& end, std::ostream* out) {
 } // namespace
 
 /// The program ends in the middle of a takeover, with a key and a button down.
-class EndOfProgram : public StageFixture, public testing::WithParamInterface<EndCase> {};
+class EndOfProgram : public StageFixture, public testing::WithParamInterface<EndCase> {
+protected:
+    bool linkEnds() {
+        return waitUntil(
+            [&] {
+                return !stage->rig.dongle()
+                            .since(dongleMark)
+                            .filter(QStringLiteral("disconnected host"))
+                            .isEmpty();
+            },
+            GetParam().endsLink ? soon : 0ms);
+    }
+};
 
 TEST_P(EndOfProgram, GivesTheHostBackAndReleasesTheTarget) {
     const auto frozenAt = stage->host.pointer();
@@ -40,9 +52,8 @@ TEST_P(EndOfProgram, GivesTheHostBackAndReleasesTheTarget) {
 
     EXPECT_EQ(stage->host.pointer(), frozenAt);
     EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, atOnce));
-    if (GetParam().releasesTarget) {
-        EXPECT_TRUE(nothingIsHeldOnTarget());
-    }
+    EXPECT_EQ(linkEnds(), GetParam().endsLink);
+    EXPECT_TRUE(nothingIsHeldOnTarget());
     stage->hands.key(keyCode(u'k'), false);
     stage->hands.button(3, false);
     EXPECT_TRUE(stage->hostPointerMoves(atOnce));
@@ -53,6 +64,7 @@ TEST_P(EndOfProgram, GivesTheHostBackAndReleasesTheTarget) {
 TEST_P(EndOfProgram, LeavesNothingBehindThatTheNextStartWouldMeet) {
     stage->rig.quenthisar().signal(GetParam().signal);
     ASSERT_TRUE(stage->rig.quenthisar().waitForEnd(atOnce));
+    ASSERT_EQ(linkEnds(), GetParam().endsLink);
     ASSERT_NO_THROW(stage->rig.startProgram());
     ASSERT_TRUE(stage->cross(soon));
     markNow();
@@ -75,9 +87,9 @@ TEST_F(LossOfTheServer, EndsTheProgramAndReleasesTheTarget) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, EndOfProgram,
-                         testing::Values(EndCase{"Kill", SIGKILL, -1, false},
-                                         EndCase{"Term", SIGTERM, 0, true},
-                                         EndCase{"Int", SIGINT, 0, true}),
+                         testing::Values(EndCase{"Kill", SIGKILL, -1, true},
+                                         EndCase{"Term", SIGTERM, 0, false},
+                                         EndCase{"Int", SIGINT, 0, false}),
                          [](const auto& row) { return std::string{row.param.name}; });
 
 } // namespace quenthisar::e2e

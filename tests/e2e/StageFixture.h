@@ -91,6 +91,22 @@ protected:
         return waitUntil([&] { return stage->target.held() == demo::XClient::Held{}; }, atOnce);
     }
 
+    bool targetHolds(const demo::XClient::Held& wanted) {
+        return waitUntil([&] { return stage->target.held() == wanted; }, soon);
+    }
+
+    /// The takeover is on: what is typed at the host arrives at the target only, until the chord.
+    void expectTakeover() {
+        markNow();
+        ASSERT_TRUE(stage->hands.type(QStringLiteral("On again"), 0ms));
+        EXPECT_TRUE(targetGetsText(QStringLiteral("On again")));
+        EXPECT_EQ(inputOnHost(), QStringList{});
+        stage->pressReturnChord();
+        EXPECT_TRUE(stage->hostPointerMoves(soon));
+        EXPECT_TRUE(stage->hostKeyboardWorks(soon));
+        EXPECT_TRUE(nothingIsHeldOnTarget());
+    }
+
     std::uint8_t keyCode(char16_t character) const {
         const auto stroke = stage->host.strokeFor(character);
         EXPECT_TRUE(stroke);

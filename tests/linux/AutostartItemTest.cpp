@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/AutostartItem.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace quenthisar {
 namespace {
@@ -45,6 +48,15 @@ TEST(AutostartItem, SwitchedOffByTheUserItAwaitsHisApproval) {
     EXPECT_EQ(f.item.status(), LoginItemStatus::enabled);
     f.append("Hidden = true\n[Desktop Action x]\nHidden=false\n");
     EXPECT_EQ(f.item.status(), LoginItemStatus::requiresApproval);
+}
+
+TEST(AutostartItem, APipeInItsPlaceIsNoEntry) {
+    Fixture f;
+    ASSERT_TRUE(QDir().mkpath(f.home.filePath(QStringLiteral("autostart"))));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(f.path), 0600), 0);
+    EXPECT_EQ(f.item.status(), LoginItemStatus::notFound);
+    EXPECT_EQ(f.item.registerItem(), std::nullopt);
+    EXPECT_EQ(f.item.status(), LoginItemStatus::enabled);
 }
 
 TEST(AutostartItem, SaysWhyItCannotBeWritten) {

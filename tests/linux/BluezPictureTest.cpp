@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "dongle/ObjectTree.h"
-#include "linux/BluezStage.h"
+#include "linux/BluezObjects.h"
 
 #include <QDBusPendingCall>
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -14,55 +12,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 using Lines = std::vector<std::string>;
-
-const auto adapterInterface = u"org.bluez.Adapter1"_s;
-const auto deviceInterface = u"org.bluez.Device1"_s;
-const auto ourService = u"f1e00000-64f2-4b5d-9c51-3e2a5d0d8b10"_s;
-
-/// A daemon whose objects a test lays out one by one. It agrees to every call.
-class Objects {
-public:
-    explicit Objects(BluezStage& stage) : bus(stage.connect()), tree(bus) {
-        tree.onCall([this](const QDBusMessage& call) {
-            calls += call.path() + u' ' + call.member();
-            if (call.member() == u"StartDiscovery")
-                tree.set(call.path(), adapterInterface, u"Discovering"_s, true);
-            tree.reply(call);
-            return true;
-        });
-        bus.registerVirtualObject(u"/"_s, &tree, QDBusConnection::SubPath);
-    }
-
-    void appear() { bus.registerService(u"org.bluez"_s); }
-    void addAdapter(const QString& path, bool powered) {
-        tree.add(path, {{adapterInterface, {{u"Powered"_s, powered}}}});
-    }
-    bool waitForCall(const QString& call) const {
-        return waitUntil([&] { return calls.contains(call); });
-    }
-    void setPowered(const QString& path, bool on) {
-        tree.set(path, adapterInterface, u"Powered"_s, on);
-    }
-    /// `more` adds to a device without a name that offers our service.
-    QString addDevice(const QString& adapter, const QString& address, const QVariantMap& more) {
-        auto path = adapter + u"/dev_"_s + QString(address).replace(u':', u'_');
-        QVariantMap device{{u"Address"_s, address},
-                           {u"Alias"_s, QString(address).replace(u':', u'-')},
-                           {u"UUIDs"_s, QStringList{ourService.toUpper()}},
-                           {u"Adapter"_s, QVariant::fromValue(QDBusObjectPath(adapter))}};
-        device.insert(more);
-        tree.add(path, {{deviceInterface, device}});
-        return path;
-    }
-
-    QDBusConnection bus;
-    dongle::ObjectTree tree;
-    QStringList calls;
-};
-
-QVariantMap onAir(const QString& name) {
-    return {{u"Name"_s, name}, {u"RSSI"_s, QVariant::fromValue(short{-50})}};
-}
 
 TEST(BluezPicture, DiscoversWhatIsOnTheAirOrHeldAndNothingElse) {
     BluezStage stage(BluezStage::Daemon::none);
@@ -88,6 +37,37 @@ TEST(BluezPicture, DiscoversWhatIsOnTheAirOrHeldAndNothingElse) {
 
     daemon.tree.set(bonded, deviceInterface, u"RSSI"_s, QVariant::fromValue(short{-90}));
     EXPECT_TRUE(user.waitFor("discovered out of range"));
+    // No service here: the filters of all clients merge.
+    EXPECT_EQ(daemon.filter, (QVariantMap{{u"Transport"_s, u"le"_s}}));
+}
+
+TEST(BluezPicture, DiscoversAgainWhatWasAbsent) {
+    BluezStage stage(BluezStage::Daemon::none);
+    Objects daemon(stage);
+    const auto hci = u"/org/bluez/hci0"_s;
+    daemon.addAdapter(hci, true);
+    daemon.appear();
+    CentralUser user(stage.connect());
+    for (int times = 1; times <= 2; ++times) {
+        const auto device = daemon.addDevice(hci, u"C0:00:00:00:00:01"_s, onAir(u"dongle"_s));
+        ASSERT_TRUE(waitUntil([&] { return user.count("discovered dongle") == times; }));
+        daemon.tree.remove(device);
+    }
+}
+
+TEST(BluezPicture, TakesARemovedObjectForALostLink) {
+    BluezStage stage(BluezStage::Daemon::none);
+    Objects daemon(stage);
+    const auto hci = u"/org/bluez/hci0"_s;
+    daemon.addAdapter(hci, true);
+    const auto device = daemon.addDevice(hci, u"C0:00:00:00:00:01"_s, linked(u"dongle"_s));
+    daemon.appear();
+    CentralUser user(stage.connect());
+    user.connect();
+    ASSERT_TRUE(user.waitFor("connected"));
+    daemon.tree.remove(device);
+    EXPECT_TRUE(user.waitFor("disconnected error"));
+    EXPECT_EQ(user.peripheral->state(), PeripheralState::disconnected);
 }
 
 TEST(BluezPicture, DoesNotDiscoverWhatAStartingDaemonRemembers) {
@@ -113,9 +93,7 @@ TEST(BluezPicture, LetsAnotherPoweredAdapterTakeThePlaceOfTheFirst) {
     daemon.addAdapter(blocked, false);
     daemon.addAdapter(first, true);
     daemon.addAdapter(second, true);
-    QVariantMap ready = onAir(u"dongle"_s);
-    ready.insert({{u"Connected"_s, true}, {u"ServicesResolved"_s, true}});
-    daemon.addDevice(first, u"C0:00:00:00:00:01"_s, ready);
+    daemon.addDevice(first, u"C0:00:00:00:00:01"_s, linked(u"dongle"_s));
     daemon.addDevice(second, u"C0:00:00:00:00:01"_s, onAir(u"dongle"_s));
     daemon.addDevice(second, u"C0:00:00:00:00:02"_s, onAir(u"other"_s));
     daemon.appear();
@@ -156,28 +134,6 @@ TEST(BluezPicture, IgnoresSignalsOfAnyoneButTheDaemon) {
     daemon.addDevice(hci, u"C0:00:00:00:00:01"_s, onAir(u"dongle"_s));
     ASSERT_TRUE(user.waitFor("discovered dongle"));
     EXPECT_EQ(user.count("discovered impostor"), 0);
-}
-
-TEST(BluezPicture, RejectsAPairingWithoutAProbe) {
-    BluezStage stage(BluezStage::Daemon::none);
-    Objects daemon(stage);
-    const auto hci = u"/org/bluez/hci0"_s;
-    daemon.addAdapter(hci, true);
-    auto held = onAir(u"held"_s);
-    held.insert({{u"Connected"_s, true}, {u"ServicesResolved"_s, true}});
-    const auto device = daemon.addDevice(hci, u"C0:00:00:00:00:01"_s, held);
-    daemon.appear();
-    const auto bus = stage.connect();
-    CentralUser user(bus);
-    user.connect();
-    ASSERT_TRUE(user.waitFor("connected"));
-    auto question =
-        QDBusMessage::createMethodCall(bus.baseService(), u"/com/vornack/quenthisar/agent"_s,
-                                       u"org.bluez.Agent1"_s, u"RequestAuthorization"_s);
-    question << QVariant::fromValue(QDBusObjectPath(device));
-    auto answer = daemon.bus.asyncCall(question);
-    ASSERT_TRUE(waitUntil([&] { return answer.isFinished(); }));
-    EXPECT_EQ(answer.error().name().toStdString(), "org.bluez.Error.Rejected");
 }
 
 } // namespace

@@ -10,7 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
+#include <functional>
+#include <optional>
+#include <pwd.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace quenthisar {
 namespace {
@@ -109,6 +115,121 @@ TEST(JsonFileDefaults, WithoutAFileThatCanBeWrittenItGoesOnInMemory) {
     defaults.set("other", {2.0});
     EXPECT_EQ(defaults.object("flag"), (DefaultsValue{true}));
     EXPECT_EQ(f.log.lines.size(), 1U) << "logged once";
+}
+
+struct Obstacle {
+    const char* name;
+    std::function<void(const QString& path)> put;
+};
+
+TEST(JsonFileDefaults, NothingThatStandsInTheWayStopsTheStart) {
+    const auto fill = [](const QString& path, const QByteArray& text) {
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(text) == text.size());
+    };
+    // Nothing waits for a pipe's other end, reads on and on or overflows the stack.
+    const Obstacle obstacles[] = {
+        {"pipe", [](auto& path) { ASSERT_EQ(::mkfifo(QFile::encodeName(path), 0600), 0); }},
+        {"folder", [](auto& path) { ASSERT_TRUE(QDir().mkpath(path + QStringLiteral("/x"))); }},
+        {"device", [](auto& path) { QFile::link(QStringLiteral("/dev/zero"), path); }},
+        {"huge",
+         [&](auto& path) { fill(path, "{\"a\":\"" + QByteArray(20'000'000, 'x') + "\"}"); }},
+        {"deep",
+         [&](auto& path) {
+             fill(path, "{\"a\":" + QByteArray(1'000'000, '[') + QByteArray(1'000'000, ']') + "}");
+         }},
+    };
+    for (const auto& obstacle : obstacles) {
+        Fixture f;
+        QDir().mkpath(f.folder);
+        obstacle.put(f.path);
+        auto defaults = f.open();
+        EXPECT_EQ(f.log.lines.size(), 1U) << obstacle.name;
+        defaults.set("flag", {true});
+        EXPECT_EQ(f.open().object("flag"), (DefaultsValue{true})) << obstacle.name;
+        EXPECT_EQ(
+            QDir(f.folder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size(),
+            2)
+            << obstacle.name << " is kept, beside the new file";
+    }
+}
+
+TEST(JsonFileDefaults, ALinkIsWrittenThrough) {
+    Fixture f;
+    f.write("{\"theirs\":1}");
+    const auto target = f.home.filePath(QStringLiteral("kept-elsewhere.json"));
+    ASSERT_TRUE(QFile::rename(f.path, target) && QFile::link(target, f.path));
+    f.open().set("ours", {true});
+    EXPECT_TRUE(QFileInfo(f.path).isSymLink());
+    EXPECT_TRUE(f.read(target).contains("theirs") && f.read(target).contains("ours"));
+}
+
+/// While it lives, no file can grow beyond some bytes, as on a disk that is full.
+class FullDisk {
+public:
+    FullDisk() : handler(std::signal(SIGXFSZ, SIG_IGN)) {
+        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+        auto limit = before;
+        limit.rlim_cur = 20;
+        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+    ~FullDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        std::signal(SIGXFSZ, handler);
+    }
+
+private:
+    void (*handler)(int);
+    rlimit before{};
+};
+
+TEST(JsonFileDefaults, AFullDiskKeepsTheOldFileAndNextTimeAllIsStored) {
+    Fixture f;
+    auto defaults = f.open();
+    defaults.set("old", {true});
+    const auto before = f.read(f.path).toStdString();
+    std::optional<FullDisk> full{std::in_place};
+    defaults.set("text", {std::string(100, 'x')});
+    full.reset();
+    EXPECT_EQ(f.read(f.path).toStdString(), before);
+    EXPECT_EQ(f.log.lines.size(), 1U);
+    EXPECT_EQ(QDir(f.folder).entryList(QDir::Files).size(), 1) << "no rest of the attempt";
+    defaults.set("new", {true});
+    EXPECT_EQ(f.open().object("text"), (DefaultsValue{std::string(100, 'x')}));
+}
+
+/// Gives a variable of the environment back as it was.
+class Variable {
+public:
+    Variable(const char* name, const char* value)
+        : name(name),
+          before(qEnvironmentVariableIsSet(name) ? std::optional{qgetenv(name)} : std::nullopt) {
+        value ? qputenv(name, value) : qunsetenv(name);
+    }
+    Variable(const Variable&) = delete;
+    Variable& operator=(const Variable&) = delete;
+    ~Variable() { before ? qputenv(name, *before) : qunsetenv(name); }
+
+private:
+    const char* name;
+    std::optional<QByteArray> before;
+};
+
+TEST(JsonFileDefaults, StandsInTheUsersFolderWhateverTheEnvironmentLacks) {
+    const auto pathWith = [](const char* config, const char* home) {
+        const Variable first("XDG_CONFIG_HOME", config), second("HOME", home);
+        return JsonFileDefaults::standardPath().toStdString();
+    };
+    EXPECT_EQ(pathWith("/etc/mine", "/home/u"), "/etc/mine/quenthisar/defaults.json");
+    for (const char* unusable : {"relative", "", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(pathWith(unusable, "/home/u"), "/home/u/.config/quenthisar/defaults.json");
+    const auto* user = ::getpwuid(::getuid());
+    ASSERT_TRUE(user);
+    for (const char* unusable : {"relative", "", static_cast<const char*>(nullptr)})
+        EXPECT_EQ(pathWith("", unusable),
+                  std::string(user->pw_dir) + "/.config/quenthisar/defaults.json");
 }
 
 } // namespace

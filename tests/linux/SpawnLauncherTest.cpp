@@ -10,8 +10,10 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <string>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace quenthisar {
 namespace {
@@ -54,6 +56,41 @@ SpawnLauncher& launcher() {
     return shared;
 }
 
+/// Whether this process soon has no child: what has ended is reaped by the launcher alone.
+bool allAreReaped() {
+    siginfo_t information{};
+    const auto deadline = ::time(nullptr) + limit / 1000;
+    while (::waitid(P_ALL, 0, &information, WEXITED | WNOHANG | WNOWAIT) == 0) {
+        if (::time(nullptr) >= deadline) return false;
+        ::poll(nullptr, 0, 1);
+    }
+    return errno == ECHILD;
+}
+
+/// While it lives, this process can open nothing.
+class FewDescriptors {
+public:
+    FewDescriptors() {
+        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+        auto limited = before;
+        limited.rlim_cur = 128;
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limited), 0);
+        for (int fd = 0; (fd = ::open("/dev/null", O_RDONLY | O_CLOEXEC)) >= 0;)
+            taken.push_back(fd);
+        EXPECT_EQ(errno, EMFILE);
+    }
+    FewDescriptors(const FewDescriptors&) = delete;
+    FewDescriptors& operator=(const FewDescriptors&) = delete;
+    ~FewDescriptors() {
+        for (const int fd : taken) ::close(fd);
+        ::setrlimit(RLIMIT_NOFILE, &before);
+    }
+
+private:
+    rlimit before{};
+    std::vector<int> taken;
+};
+
 ProcessDescription shell(const std::string& command) {
     return {"/bin/zsh", {"-c", command}};
 }
@@ -83,13 +120,30 @@ TEST(SpawnLauncher, WaitsForNoneAndReapsAll) {
     for (int i = 0; i < 50; ++i) launcher().launch(shell("echo x > " + pipe.path()));
     for (int i = 0; i < 50; ++i) EXPECT_EQ(pipe.line(), "x");
     gate.open();
-    // What has ended is reaped by the launcher alone: soon this process has no child.
-    siginfo_t information{};
-    const auto deadline = ::time(nullptr) + limit / 1000;
-    while (::waitid(P_ALL, 0, &information, WEXITED | WNOHANG | WNOWAIT) == 0 &&
-           ::time(nullptr) < deadline)
-        ::poll(nullptr, 0, 1);
-    EXPECT_EQ(errno, ECHILD);
+    EXPECT_TRUE(allAreReaped());
+}
+
+TEST(SpawnLauncher, ReapsWhereNoDescriptorIsLeft) {
+    const Pipe pipe;
+    launcher(); // has its own
+    const FewDescriptors few;
+    launcher().launch({"/bin/sh", {"-c", "echo x > " + pipe.path()}});
+    EXPECT_EQ(pipe.line(), "x");
+    EXPECT_TRUE(allAreReaped());
+}
+
+TEST(SpawnLauncher, BlockedSignalsAreNotHandedOn) {
+    const Pipe pipe;
+    sigset_t blocked, before;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
+    SpawnLauncher ours;
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    ours.launch(shell("kill -TERM $$; echo survived > " + pipe.path()));
+    ours.launch(shell("echo next > " + pipe.path()));
+    EXPECT_EQ(pipe.line(), "next");
+    EXPECT_TRUE(allAreReaped());
 }
 
 } // namespace

@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "linux/XStage.h"
 
+#include "linux/XorgServer.h"
+
 #include <QApplication>
 
 #include <gtest/gtest.h>
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
+
+#include <sys/socket.h>
+#include <sys/un.h>
 
 #include <algorithm>
 
@@ -27,6 +33,9 @@ private:
     std::unique_ptr<QApplication> application;
 };
 
+/// The pointer and the keyboard that each server begins with.
+constexpr std::array<xcb_input_device_id_t, 2> masters{2, 3};
+
 [[maybe_unused]] const auto* const environment =
     testing::AddGlobalTestEnvironment(std::make_unique<QtEnvironment>().release());
 
@@ -43,7 +52,8 @@ bool runUntil(const std::function<bool()>& done, std::chrono::milliseconds limit
     return true;
 }
 
-bool Injector::grabAll() const {
+bool Injector::grabAll(Menu kind) const {
+    if (kind == Menu::xinput2) return grabMasters();
     auto* c = connection->get();
     const auto pointer = xcb_grab_pointer(c, false, connection->root(), XCB_EVENT_MASK_BUTTON_PRESS,
                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE,
@@ -56,7 +66,26 @@ bool Injector::grabAll() const {
            second->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
-void Injector::ungrabAll() const {
+bool Injector::grabMasters() const {
+    auto* c = connection->get();
+    const XOwned<xcb_input_xi_query_version_reply_t> version{
+        xcb_input_xi_query_version_reply(c, xcb_input_xi_query_version(c, 2, 2), nullptr)};
+    const std::uint32_t mask = 0;
+    return std::ranges::all_of(masters, [&](xcb_input_device_id_t master) {
+        const auto cookie = xcb_input_xi_grab_device(
+            c, connection->root(), XCB_CURRENT_TIME, XCB_NONE, master, XCB_INPUT_GRAB_MODE_22_ASYNC,
+            XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, 1, &mask);
+        const XOwned<xcb_input_xi_grab_device_reply_t> reply{
+            xcb_input_xi_grab_device_reply(c, cookie, nullptr)};
+        return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    });
+}
+
+void Injector::ungrabAll(Menu kind) const {
+    if (kind == Menu::xinput2) {
+        for (const auto master : masters)
+            xcb_input_xi_ungrab_device(connection->get(), XCB_CURRENT_TIME, master);
+    }
     xcb_ungrab_pointer(connection->get(), XCB_CURRENT_TIME);
     xcb_ungrab_keyboard(connection->get(), XCB_CURRENT_TIME);
     sync();
@@ -133,7 +162,10 @@ XStage::Environment::Environment(const demo::XServer& server) {
     qunsetenv("XDG_SESSION_TYPE");
 }
 
-XStage::XStage() {
+XStage::XStage(Server kind)
+    : server(kind == Server::xorg ? startXorg(folder.path()) : demo::XServer{}) {
+    // Without a desktop, Xorg's keyboards have other key codes than any keyboard of today.
+    if (kind == Server::xorg) run(QStringLiteral("setxkbmap -rules evdev us"));
     displays.screens();
     tap = taps.tapCreate(~std::uint64_t{0}, [this](const TapEvent& event) {
         delivered.push_back(event);
@@ -154,10 +186,13 @@ XStage::~XStage() {
 }
 
 void XStage::setMonitor(const QString& name, const QString& geometry, const QString& output) const {
-    demo::ChildProcess program(QStringLiteral("xrandr"),
-                               {QStringLiteral("-d"), server.display(),
-                                QStringLiteral("--setmonitor"), u'*' + name, geometry, output});
-    EXPECT_EQ(program.waitForEnd(std::chrono::seconds(20)), 0);
+    run(QStringLiteral("xrandr --setmonitor *%1 %2 %3").arg(name, geometry, output));
+}
+
+void XStage::run(const QString& command) const {
+    const auto words = QProcess::splitCommand(command);
+    demo::ChildProcess process(words.front(), words.mid(1));
+    EXPECT_EQ(process.waitForEnd(std::chrono::seconds(20)), 0) << qPrintable(command);
 }
 
 void XStage::takeOver() {
@@ -171,6 +206,20 @@ void XStage::giveBack() {
     // Nobody waits for the server to do it, except us.
     EXPECT_TRUE(runUntil([&] { return hands.grabAll(); }));
     hands.ungrabAll();
+}
+
+void XStage::loseConnections() const {
+    const auto end = QStringLiteral(".X11-unix/X") + server.display().mid(1);
+    for (int descriptor = 0; descriptor < FD_SETSIZE; ++descriptor) {
+        sockaddr_un peer{};
+        socklen_t size = sizeof peer - 1;
+        if (::getpeername(descriptor, reinterpret_cast<sockaddr*>(&peer), &size) != 0) continue;
+        // An abstract name begins with a zero.
+        const auto path = QByteArray(peer.sun_path, sizeof peer.sun_path).replace('\0', "");
+        if (peer.sun_family == AF_UNIX && path.endsWith(end.toUtf8()) &&
+            descriptor != hands.descriptor() && descriptor != witness.descriptor())
+            ::shutdown(descriptor, SHUT_RDWR);
+    }
 }
 
 bool XStage::waitFor(EventType type) {

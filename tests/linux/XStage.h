@@ -6,12 +6,19 @@
 #include "Linux/XEventTaps.h"
 #include "demo/XServer.h"
 
+#include <QTemporaryDir>
+
 #include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace quenthisar::test {
+
+// X key codes, by position.
+inline constexpr std::uint8_t keyA = 38, keyF20 = 198, capsLock = 66, numLock = 77,
+                              leftControl = 37, leftShift = 50, leftAlt = 64, rightAlt = 108,
+                              leftSuper = 133, volumeUp = 123, printScreen = 107;
 
 /// Runs the event loop until `done` holds; false if it does not within `limit`.
 bool runUntil(const std::function<bool()>& done,
@@ -33,9 +40,10 @@ public:
     }
     void click(std::uint8_t number) const { button(number, true), button(number, false); }
 
+    enum class Menu { core, xinput2 };
     /// As an open menu does; true when granted.
-    bool grabAll() const;
-    void ungrabAll() const;
+    bool grabAll(Menu kind = Menu::core) const;
+    void ungrabAll(Menu kind = Menu::core) const;
 
     struct Pointer {
         int x = 0, y = 0;
@@ -47,8 +55,10 @@ public:
     void killAllBut(const Witness& witness) const;
     /// Everything asked for has been done.
     void sync() const;
+    int descriptor() const { return xcb_get_file_descriptor(connection->get()); }
 
 private:
+    bool grabMasters() const;
     void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0) const;
 
     std::unique_ptr<XConnection> connection = XConnection::open();
@@ -60,6 +70,7 @@ public:
     Witness();
     /// The types of the input events that have arrived since the last call.
     std::vector<int> seen() const;
+    int descriptor() const { return xcb_get_file_descriptor(connection->get()); }
     xcb_window_t window = 0;
 
 private:
@@ -76,22 +87,29 @@ struct Motion {
     bool operator==(const Motion&) const = default;
 };
 
+enum class Server { xvfb, xorg };
+
 /// A server, the adapters on it as `main` would connect them, and one tap for everything.
 class XStage {
 public:
-    XStage();
+    explicit XStage(Server kind = Server::xvfb);
     ~XStage();
 
     /// Makes this the primary monitor; `geometry` and `output` as xrandr takes them.
     void setMonitor(const QString& name, const QString& geometry, const QString& output) const;
+    /// Runs a program that changes something on the server.
+    void run(const QString& command) const;
     void takeOver();
     void giveBack();
+    /// Of the adapters, to the server.
+    void loseConnections() const;
     /// The sum of what was delivered.
     Motion motion() const;
     std::vector<EventType> types() const;
     bool waitFor(EventType type);
     bool sees(EventType type) const;
 
+    QTemporaryDir folder; // of the server
     demo::XServer server;
     struct Environment {
         explicit Environment(const demo::XServer& server);

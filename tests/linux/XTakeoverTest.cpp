@@ -12,19 +12,24 @@ namespace {
 using enum EventType;
 using namespace EventFlags;
 
-// X key codes, by position.
-constexpr std::uint8_t keyA = 38, keyF20 = 198, capsLock = 66, numLock = 77, leftControl = 37,
-                       leftShift = 50, leftAlt = 64, leftSuper = 133, volumeUp = 123,
-                       printScreen = 107;
-
 std::uint64_t lastFlags(const XStage& stage) {
     return stage.delivered.empty() ? 0 : stage.delivered.back().flags;
 }
 
+class XTap : public testing::TestWithParam<Server> {};
+class XTakeover : public testing::TestWithParam<Server> {};
+
+const auto servers = testing::Values(Server::xvfb, Server::xorg);
+constexpr auto nameOf = [](const testing::TestParamInfo<Server>& info) {
+    return info.param == Server::xorg ? "Xorg" : "Xvfb";
+};
+INSTANTIATE_TEST_SUITE_P(, XTap, servers, nameOf);
+INSTANTIATE_TEST_SUITE_P(, XTakeover, servers, nameOf);
+
 } // namespace
 
-TEST(XTap, ReportsTheLastPositionOfAFastMoveInDisplayCoordinates) {
-    XStage stage;
+TEST_P(XTap, ReportsTheLastPositionOfAFastMoveInDisplayCoordinates) {
+    XStage stage{GetParam()};
     stage.setMonitor(QStringLiteral("SECOND"), QStringLiteral("800/100x600/100+400+100"),
                      QStringLiteral("none"));
     stage.displays.screens();
@@ -36,8 +41,8 @@ TEST(XTap, ReportsTheLastPositionOfAFastMoveInDisplayCoordinates) {
     EXPECT_FALSE(stage.sees(flagsChanged));
 }
 
-TEST(XTap, ReportsAMoveThatIsMadeWhileThePointerIsAskedFor) {
-    XStage stage;
+TEST_P(XTap, ReportsAMoveThatIsMadeWhileThePointerIsAskedFor) {
+    XStage stage{GetParam()};
     for (int round = 0; round < 50; ++round) {
         stage.hands.moveTo(100, 100 + round);
         QCoreApplication::processEvents();
@@ -50,8 +55,8 @@ TEST(XTap, ReportsAMoveThatIsMadeWhileThePointerIsAskedFor) {
     }
 }
 
-TEST(XTap, FollowsThePointerWhileAnotherClientHoldsIt) {
-    XStage stage;
+TEST_P(XTap, FollowsThePointerWhileAnotherClientHoldsIt) {
+    XStage stage{GetParam()};
     stage.hands.moveTo(300, 300);
     ASSERT_TRUE(stage.hands.grabAll());
     stage.hands.moveTo(310, 320);
@@ -60,8 +65,8 @@ TEST(XTap, FollowsThePointerWhileAnotherClientHoldsIt) {
     }));
 }
 
-TEST(XTakeover, KeepsAllInputFromTheOtherClientsAndGivesItBack) {
-    XStage stage;
+TEST_P(XTakeover, KeepsAllInputFromTheOtherClientsAndGivesItBack) {
+    XStage stage{GetParam()};
     stage.hands.moveTo(640, 400);
     stage.onEvent = [&](const TapEvent& event) {
         if (event.type == mouseMoved && event.location == Point{642, 400}) stage.takeOver();
@@ -108,8 +113,8 @@ TEST(XTakeover, KeepsAllInputFromTheOtherClientsAndGivesItBack) {
                                                       XCB_BUTTON_PRESS, XCB_BUTTON_RELEASE}));
 }
 
-TEST(XTakeover, DeliversOnlyMotionThatWasMadeDuringIt) {
-    XStage stage;
+TEST_P(XTakeover, DeliversOnlyMotionThatWasMadeDuringIt) {
+    XStage stage{GetParam()};
     stage.hands.moveTo(600, 400);
     for (int i = 0; i < 20; ++i) stage.hands.moveBy(10, 0);
     stage.takeOver();
@@ -139,8 +144,8 @@ TEST(XTakeover, DeliversOnlyMotionThatWasMadeDuringIt) {
     }));
 }
 
-TEST(XTakeover, TurnsPositionsOfSyntheticInputIntoMotion) {
-    XStage stage;
+TEST_P(XTakeover, TurnsPositionsOfSyntheticInputIntoMotion) {
+    XStage stage{GetParam()};
     stage.hands.moveTo(640, 400);
     stage.takeOver();
     stage.hands.moveTo(640, 400);
@@ -154,8 +159,8 @@ TEST(XTakeover, TurnsPositionsOfSyntheticInputIntoMotion) {
     EXPECT_EQ(stage.hands.pointer(), (Injector::Pointer{640, 400}));
 }
 
-TEST(XTakeover, DeliversKeysByPositionAndMediaKeysAsSystemDefinedEvents) {
-    XStage stage;
+TEST_P(XTakeover, DeliversKeysByPositionAndMediaKeysAsSystemDefinedEvents) {
+    XStage stage{GetParam()};
     stage.takeOver();
     for (const auto key : {keyA, volumeUp, keyF20, printScreen}) stage.hands.tap(key);
     ASSERT_TRUE(runUntil([&] { return stage.delivered.size() >= 6; }));
@@ -168,8 +173,8 @@ TEST(XTakeover, DeliversKeysByPositionAndMediaKeysAsSystemDefinedEvents) {
     EXPECT_EQ(stage.delivered[4].keyCode, 0xFFFF);
 }
 
-TEST(XTakeover, DeliversModifiersAsFlagsOnly) {
-    XStage stage;
+TEST_P(XTakeover, DeliversModifiersAsFlagsOnly) {
+    XStage stage{GetParam()};
     stage.takeOver();
     stage.hands.key(leftControl, true);
     stage.hands.key(leftShift, true);
@@ -183,8 +188,8 @@ TEST(XTakeover, DeliversModifiersAsFlagsOnly) {
     EXPECT_EQ(stage.delivered[2].flags, control | shift);
 }
 
-TEST(XTakeover, FollowsTheKeymapToOtherModifierBits) {
-    XStage stage;
+TEST_P(XTakeover, FollowsTheKeymapToOtherModifierBits) {
+    XStage stage{GetParam()};
     stage.takeOver();
     const auto setLayout = [&](const char* option) {
         demo::ChildProcess program(QStringLiteral("setxkbmap"),
@@ -200,7 +205,6 @@ TEST(XTakeover, FollowsTheKeymapToOtherModifierBits) {
         EXPECT_EQ(stage.types(), (std::vector{flagsChanged, flagsChanged}));
         return stage.delivered.empty() ? 0 : stage.delivered.front().flags;
     };
-    constexpr std::uint8_t rightAlt = 108;
     setLayout("altwin:swap_lalt_lwin");
     EXPECT_EQ(flagsOf(leftAlt), command);
     EXPECT_EQ(flagsOf(leftSuper), option);
@@ -209,8 +213,8 @@ TEST(XTakeover, FollowsTheKeymapToOtherModifierBits) {
     EXPECT_EQ(flagsOf(capsLock), control);
 }
 
-TEST(XTakeover, LeavesCapsLockAndNumLockAsTheyWere) {
-    XStage stage;
+TEST_P(XTakeover, LeavesCapsLockAndNumLockAsTheyWere) {
+    XStage stage{GetParam()};
     stage.hands.tap(numLock);
     const auto before = stage.hands.modifiers();
     ASSERT_EQ(before, XCB_MOD_MASK_2);
@@ -225,8 +229,8 @@ TEST(XTakeover, LeavesCapsLockAndNumLockAsTheyWere) {
     EXPECT_EQ(stage.hands.modifiers(), before);
 }
 
-TEST(XTakeover, DeliversEachRepeatOfAHeldKey) {
-    XStage stage;
+TEST_P(XTakeover, DeliversEachRepeatOfAHeldKey) {
+    XStage stage{GetParam()};
     stage.takeOver();
     stage.hands.key(keyA, true);
     const auto presses = [&] { return std::ranges::count(stage.types(), keyDown); };
@@ -236,8 +240,8 @@ TEST(XTakeover, DeliversEachRepeatOfAHeldKey) {
     EXPECT_TRUE(stage.waitFor(keyUp));
 }
 
-TEST(XTakeover, WaitsForAnotherClientToLetGo) {
-    XStage stage;
+TEST_P(XTakeover, WaitsForAnotherClientToLetGo) {
+    XStage stage{GetParam()};
     stage.hands.moveTo(640, 400);
     ASSERT_TRUE(stage.hands.grabAll());
     stage.takeOver();
@@ -276,8 +280,8 @@ TEST(XTakeover, WaitsForAnotherClientToLetGo) {
     EXPECT_EQ(stage.log.lines, std::vector<std::string>{line});
 }
 
-TEST(XTakeover, EndsInsideItsOwnCallback) {
-    XStage stage;
+TEST_P(XTakeover, EndsInsideItsOwnCallback) {
+    XStage stage{GetParam()};
     stage.takeOver();
     stage.onEvent = [&](const TapEvent& event) {
         if (event.flags != (control | option | command)) return;
@@ -294,25 +298,101 @@ TEST(XTakeover, EndsInsideItsOwnCallback) {
     EXPECT_TRUE(stage.taps.tapCreate(0, {}));
 }
 
-TEST(XTakeover, IsTakenUpAgainAfterTheConnectionWasLost) {
-    XStage stage;
+TEST_P(XTakeover, IsTakenUpAgainAfterTheConnectionWasLost) {
+    XStage stage{GetParam()};
+    stage.onEvent = [&](const TapEvent& event) {
+        if (event.type == tapDisabledByTimeout) stage.tap->enable(true);
+    };
     stage.takeOver();
+    stage.hands.key(leftShift, true);
+    stage.hands.key(keyA, true);
+    stage.hands.button(2, true);
+    ASSERT_TRUE(stage.waitFor(otherMouseDown));
     stage.hands.killAllBut(stage.witness);
+    // Pressed for this computer, as the server dropped the grab by itself.
     stage.witness.seen();
-    stage.hands.tap(keyA);
-    EXPECT_EQ(stage.witness.seen().size(), 2U) << "the server drops the grab by itself";
-    ASSERT_TRUE(runUntil([&] {
-        stage.tap->enable(true);
-        stage.hands.tap(keyA);
-        return stage.sees(keyUp);
-    }));
+    stage.hands.tap(keyF20);
+    EXPECT_EQ(stage.witness.seen().size(), 2U);
+    stage.hands.key(leftShift, false);
+    stage.hands.key(keyA, false);
+    stage.hands.button(2, false);
     stage.witness.seen();
+
+    stage.delivered.clear();
+    ASSERT_TRUE(stage.waitFor(flagsChanged));
+    EXPECT_EQ(stage.types(),
+              (std::vector{tapDisabledByTimeout, keyUp, otherMouseUp, flagsChanged}));
+    EXPECT_EQ(lastFlags(stage), 0U);
     stage.hands.tap(keyA);
+    ASSERT_TRUE(stage.waitFor(keyDown));
     EXPECT_TRUE(stage.witness.seen().empty());
+    stage.giveBack();
 }
 
-TEST(XTakeover, StaysIdleWhenTheServerIsGone) {
-    XStage stage;
+TEST_P(XTakeover, LetsGoOfMediaKeysAtItsEnd) {
+    XStage stage{GetParam()};
+    stage.takeOver();
+    stage.hands.key(volumeUp, true);
+    ASSERT_TRUE(stage.waitFor(systemDefined));
+    stage.delivered.clear();
+    stage.cursor.associateMouseAndMouseCursorPosition(true);
+    ASSERT_EQ(stage.types(), std::vector{systemDefined});
+    EXPECT_EQ(stage.delivered.front().data1 >> 8 & 0xFF, 0x0B);
+    stage.hands.key(volumeUp, false);
+    stage.giveBack();
+}
+
+TEST_P(XTakeover, LeavesALockedSessionAlone) {
+    XStage stage{GetParam()};
+    stage.hands.moveTo(400, 300);
+    ASSERT_TRUE(stage.waitFor(mouseMoved));
+    stage.takeOver();
+    for (const auto key : {leftControl, keyA, volumeUp}) stage.hands.key(key, true);
+    stage.hands.button(1, true);
+    ASSERT_TRUE(stage.waitFor(leftMouseDown));
+
+    stage.delivered.clear();
+    stage.session.setDeaf(true);
+    EXPECT_EQ(stage.types(), (std::vector{keyUp, systemDefined, leftMouseUp, flagsChanged}));
+    EXPECT_EQ(lastFlags(stage), 0U);
+    for (const auto key : {keyA, volumeUp}) stage.hands.key(key, false);
+    stage.hands.button(1, false);
+    EXPECT_TRUE(runUntil([&] { return stage.hands.grabAll(); })) << "the locker's grab";
+    stage.hands.moveTo(500, 300);
+    stage.hands.tap(keyA);
+    EXPECT_EQ(stage.hands.pointer(), (Injector::Pointer{500, 300}));
+    stage.hands.ungrabAll();
+    stage.witness.seen();
+
+    stage.delivered.clear();
+    stage.session.setDeaf(false);
+    EXPECT_EQ(stage.types(), std::vector{flagsChanged}) << "of all that was typed meanwhile";
+    EXPECT_EQ(lastFlags(stage), control);
+    stage.hands.tap(keyA);
+    ASSERT_TRUE(stage.waitFor(keyUp));
+    EXPECT_TRUE(stage.witness.seen().empty());
+    stage.hands.key(leftControl, false);
+
+    // Free, it delivers no moves either.
+    stage.giveBack();
+    stage.session.setDeaf(true);
+    stage.delivered.clear();
+    stage.hands.moveTo(100, 100);
+    stage.takeOver();
+    stage.hands.moveTo(200, 100);
+    stage.cursor.associateMouseAndMouseCursorPosition(true);
+    stage.session.setDeaf(false);
+    // Nothing tells when the server has heard of it.
+    int x = 300;
+    ASSERT_TRUE(runUntil([&] {
+        stage.hands.moveTo(++x, 100);
+        return !stage.delivered.empty();
+    }));
+    EXPECT_GT(stage.delivered.front().location.x, 300);
+}
+
+TEST_P(XTakeover, StaysIdleWhenTheServerIsGone) {
+    XStage stage{GetParam()};
     stage.takeOver();
     stage.server.kill();
     ASSERT_TRUE(runUntil([&] { return !stage.taps.tapCreate(0, {}) && !stage.session.open(); }));

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Capture/KeycodeMap.h"
+#include "Linux/DeliveredInput.h"
 #include "Linux/DesktopSpace.h"
 #include "Linux/HostKeys.h"
 #include "Linux/Monitor.h"
@@ -78,6 +79,41 @@ TEST(MotionPacer, CarriesFractionsOver) {
     EXPECT_EQ(x, 299) << "0.3 is a little less than 0.3 in binary";
     EXPECT_EQ(y, -699);
     EXPECT_FALSE(pacer.due()) << "no whole pixel is left";
+}
+
+TEST(DeliveredInput, IsTakenBackByReleases) {
+    using enum EventType;
+    DeliveredInput input;
+    input.begin(EventFlags::shift);
+    EXPECT_TRUE(input.releases(EventFlags::shift).empty());
+
+    const auto media = [](std::int64_t type, int state) {
+        return TapEvent{
+            .type = systemDefined, .subtype = auxiliaryControlButtons, .data1 = type << 16 | state};
+    };
+    for (const auto& event : std::to_array<TapEvent>({{.type = keyDown, .keyCode = 0},
+                                                      {.type = keyDown, .keyCode = 1},
+                                                      {.type = keyDown, .keyCode = 1},
+                                                      {.type = keyUp, .keyCode = 0},
+                                                      media(7, 0x0A00),
+                                                      media(0, 0x0A00),
+                                                      media(7, 0x0B00),
+                                                      {.type = leftMouseDown},
+                                                      {.type = otherMouseDown},
+                                                      {.type = leftMouseUp},
+                                                      {.type = rightMouseDown},
+                                                      {.type = scrollWheel, .scrollDelta = 1},
+                                                      {.type = flagsChanged, .flags = 3}}))
+        input.note(event);
+    std::vector<TapEvent> releases = input.releases(0);
+    std::vector<EventType> types;
+    for (const auto& event : releases) types.push_back(event.type);
+    EXPECT_EQ(types, (std::vector{keyUp, systemDefined, rightMouseUp, otherMouseUp, flagsChanged}));
+    EXPECT_EQ(releases[0].keyCode, 1);
+    EXPECT_EQ(releases[1].data1, 0x0B00);
+    EXPECT_EQ(releases[4].flags, 0U);
+    for (const auto& event : releases) input.note(event);
+    EXPECT_TRUE(input.releases(0).empty());
 }
 
 TEST(XTestMotion, KeepsItsSumWhenTheServerIsAheadOfTheEvents) {

@@ -1,12 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "AppDelegate.h"
-
-#include "support/FakeCentral.h"
-#include "support/FakeDisplays.h"
-#include "support/FakeEventTaps.h"
-#include "support/FakeHost.h"
-#include "support/FakeUserDefaults.h"
-#include "support/VirtualClock.h"
+#include "unit/AppDelegateFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -14,32 +7,11 @@ namespace quenthisar {
 namespace {
 
 using namespace std::chrono_literals;
-
-struct Fixture {
-    VirtualClock clock;
-    FakeUserDefaults defaults;
-    FakeDisplays displays;
-    FakeEventTaps taps;
-    FakeAccessibilityTrust trust;
-    FakeCentral central{clock};
-    FakeLoginItemService loginItem;
-    FakeProcessLauncher launcher;
-    FakeSystemLog log;
-    std::optional<AppDelegate> delegate;
-
-    void launch(bool autoCapture) {
-        defaults.store("autoCapture", autoCapture);
-        displays.add("D1", {0, 0, 1920, 1080});
-        delegate.emplace(
-            Ports{clock, defaults, displays, taps, taps, trust, central, loginItem, launcher, log});
-        delegate->applicationDidFinishLaunching();
-    }
-    bool captures() const { return *delegate->state.captureEnabled; }
-};
+using Fixture = AppDelegateFixture;
 
 TEST(AppDelegate, CapturesAtLaunchIfItMayAndNeverAgainByItself) {
     Fixture f;
-    f.launch(true);
+    f.launch();
     EXPECT_TRUE(f.captures());
     EXPECT_TRUE(*f.delegate->state.axTrusted);
     f.delegate->eventTap->stop();
@@ -50,7 +22,7 @@ TEST(AppDelegate, CapturesAtLaunchIfItMayAndNeverAgainByItself) {
 TEST(AppDelegate, CapturesOnceTrustIsGrantedAndNotBefore) {
     Fixture f;
     f.trust.trusted = false;
-    f.launch(true);
+    f.launch();
     f.clock.advance(5s);
     EXPECT_FALSE(f.captures());
     EXPECT_EQ(f.trust.prompts, 0) << "only a person's request prompts";
@@ -85,7 +57,7 @@ TEST(AppDelegate, FollowsTheDisplays) {
 
 TEST(AppDelegate, LeavesNothingBehindThatCallsIt) {
     Fixture f;
-    f.launch(true);
+    f.launch();
     f.delegate.reset();
     f.clock.advance(5s);
     f.displays.changed();

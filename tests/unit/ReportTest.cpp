@@ -53,5 +53,39 @@ TEST(PairingProbe, IsFifteenZeros) {
     EXPECT_EQ(Report::pairingProbe, Payload{});
 }
 
+struct MotionCase {
+    const char* name;
+    Payload previousMouse, payload;
+    bool isPureMotion;
+};
+
+class PureMotion : public testing::TestWithParam<MotionCase> {};
+
+TEST_P(PureMotion, ChangesNeitherButtonsNorWheelAndReachesNoCorner) {
+    const auto& row = GetParam();
+    EXPECT_EQ(Report::isPureMotion(row.previousMouse, row.payload), row.isPureMotion);
+}
+
+using Report::mouse;
+INSTANTIATE_TEST_SUITE_P(
+    Payloads, PureMotion,
+    testing::Values(MotionCase{"Motion", mouse({}), mouse({.dx = 7679, .dy = -7679}), true},
+                    MotionCase{"Drag", mouse({.buttons = 1, .wheel = 3}),
+                               mouse({.buttons = 1, .dx = 1}), true},
+                    MotionCase{"Press", mouse({}), mouse({.buttons = 1, .dx = 1}), false},
+                    MotionCase{"Release", mouse({.buttons = 5}), mouse({.buttons = 4}), false},
+                    MotionCase{"Wheel", mouse({}), mouse({.dx = 1, .wheel = -1}), false},
+                    MotionCase{"SlamToTheLeft", mouse({}), mouse({.dx = -7680}), false},
+                    MotionCase{"SlamDown", mouse({}), mouse({.dy = 7680}), false},
+                    MotionCase{"Farthest", mouse({}), mouse({.dx = -32768}), false},
+                    MotionCase{"Keyboard", mouse({}), Report::allKeysUp(), false},
+                    MotionCase{"Probe", mouse({}), Report::pairingProbe, false}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(Report, KeepsOnlyItsButtonsAtRest) {
+    EXPECT_EQ(Report::atRest(mouse({.buttons = 5, .dx = 1, .dy = -1, .wheel = 2})),
+              mouse({.buttons = 5}));
+}
+
 } // namespace
 } // namespace quenthisar

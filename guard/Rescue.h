@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+struct xcb_connection_t;
+
+namespace quenthisar::guard {
+
+/// Closes connections of other clients of the X server that DISPLAY names.
+class XRescue {
+public:
+    /// Connects at once: when it is needed the server may take no more clients.
+    XRescue();
+    ~XRescue();
+    XRescue(const XRescue&) = delete;
+    XRescue& operator=(const XRescue&) = delete;
+
+    /// Closes the connection that owns `resource`. The server then drops its grabs and barriers
+    /// and shows the cursor. Without effect when the resource or the server is gone.
+    void killClient(std::uint32_t resource);
+
+private:
+    bool connect();
+
+    xcb_connection_t* connection = nullptr;
+};
+
+/// Asks the Bluetooth daemon to end the link to the device at `path`, and waits for its answer, a
+/// few seconds at most. The dongle then releases all that is held on its target.
+void disconnectDongle(const std::string& path);
+
+} // namespace quenthisar::guard

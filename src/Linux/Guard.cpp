@@ -1,0 +1,104 @@
+// SPDX-License-Identifier: MIT
+#include "Linux/Guard.h"
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <fcntl.h>
+#include <filesystem>
+#include <spawn.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace quenthisar {
+
+namespace {
+
+/// A quarter of the silence after which the guard acts.
+constexpr std::chrono::milliseconds interval{500};
+
+std::string guardProgram() {
+    std::error_code error;
+    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::string{} : (self.parent_path() / "quenthisar-guard").string();
+}
+
+/// Its standard input is `channel`. In a session of its own no terminal stops it with us.
+pid_t spawn(const std::string& program, int channel) {
+    posix_spawn_file_actions_t actions;
+    posix_spawnattr_t attributes;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, channel, STDIN_FILENO);
+    for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
+        ::posix_spawn_file_actions_addopen(&actions, stream, "/dev/null", O_WRONLY, 0);
+    ::posix_spawn_file_actions_addclosefrom_np(&actions, STDERR_FILENO + 1);
+    ::posix_spawnattr_init(&attributes);
+    ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    std::string name{"quenthisar-guard"};
+    const std::array<char*, 2> arguments{name.data(), nullptr};
+    pid_t pid = 0;
+    const int error =
+        ::posix_spawn(&pid, program.c_str(), &actions, &attributes, arguments.data(), environ);
+    ::posix_spawnattr_destroy(&attributes);
+    ::posix_spawn_file_actions_destroy(&actions);
+    return error == 0 ? pid : 0;
+}
+
+} // namespace
+
+Guard::~Guard() {
+    stop();
+}
+
+void Guard::start() {
+    std::array<int, 2> ends{};
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return;
+    process = spawn(guardProgram(), ends[1]);
+    ::close(ends[1]);
+    channel = ends[0];
+}
+
+/// Without its channel the guard ends by itself, if it has not done so.
+void Guard::stop() {
+    if (channel >= 0) ::close(std::exchange(channel, -1));
+    if (process > 0) ::waitpid(std::exchange(process, 0), nullptr, WNOHANG);
+}
+
+void Guard::setInputHolder(std::uint32_t resource) {
+    if (std::exchange(holder, resource) == resource) return;
+    if (!heartbeat) {
+        heartbeat.emplace();
+        QObject::connect(&*heartbeat, &QTimer::timeout, &*heartbeat, [this] { report(); });
+    }
+    if (holder != 0)
+        heartbeat->start(interval);
+    else
+        heartbeat->stop();
+    report();
+}
+
+void Guard::setDongle(std::string objectPath) {
+    if (objectPath == dongle) return;
+    dongle = std::move(objectPath);
+    report();
+}
+
+void Guard::report() {
+    const auto message = std::to_string(holder) + ' ' + dongle;
+    if (send(message)) return;
+    // It was ended from outside.
+    stop();
+    start();
+    send(message);
+}
+
+/// True too when the guard does not read at the moment: the next message says all of it again.
+bool Guard::send(const std::string& message) const {
+    return ::send(channel, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0 ||
+           errno == EAGAIN || errno == ENOBUFS;
+}
+
+} // namespace quenthisar

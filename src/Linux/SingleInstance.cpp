@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#include "Linux/SingleInstance.h"
+
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDeadlineTimer>
+
+namespace quenthisar {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1String name{"com.vornack.quenthisar"};
+constexpr QLatin1String path{"/com/vornack/quenthisar"};
+constexpr QLatin1String applicationInterface{"org.freedesktop.Application"};
+constexpr QLatin1String busDaemon{"org.freedesktop.DBus"};
+
+constexpr int answerLimit = 2000; // milliseconds
+
+// The bus's own numbers.
+constexpr uint doNotQueue = 4;
+constexpr uint nameExists = 3;
+
+/// True when another program has the name. A bus that does not say is as good as none.
+bool isTaken(const QDBusConnection& bus) {
+    auto request = QDBusMessage::createMethodCall(busDaemon, u"/org/freedesktop/DBus"_s, busDaemon,
+                                                  u"RequestName"_s);
+    request << QString{name} << doNotQueue;
+    const auto reply = bus.call(request, QDBus::Block, answerLimit);
+    return reply.type() == QDBusMessage::ReplyMessage &&
+           reply.arguments().value(0).toUInt() == nameExists;
+}
+
+/// False when it has ended, or is silent for so many milliseconds.
+bool askToActivate(const QDBusConnection& bus, int limit) {
+    auto request = QDBusMessage::createMethodCall(name, path, applicationInterface, u"Activate"_s);
+    request << QVariantMap{};
+    request.setAutoStartService(false);
+    const auto reply = bus.call(request, QDBus::Block, limit);
+    if (reply.type() != QDBusMessage::ErrorMessage) return true;
+    const auto error = QDBusError(reply).type();
+    return error != QDBusError::ServiceUnknown && error != QDBusError::NoReply;
+}
+
+} // namespace
+
+SingleInstance::SingleInstance()
+    : bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)) {
+    // Before the name: whoever sees that it is taken calls at once.
+    bus.registerObject(path, this, QDBusConnection::ExportAllSlots);
+    first = takeName();
+}
+
+SingleInstance::~SingleInstance() {
+    QDBusConnection::disconnectFromBus(name);
+}
+
+bool SingleInstance::takeName() {
+    const QDeadlineTimer limit(answerLimit);
+    // Again if the other one ends before it has answered.
+    while (isTaken(bus))
+        if (limit.hasExpired() || askToActivate(bus, static_cast<int>(limit.remainingTime())))
+            return false;
+    return true;
+}
+
+void SingleInstance::ActivateAction(const QString& action, const QVariantList& /*parameter*/,
+                                    const QVariantMap& /*platformData*/) {
+    if (action == u"quit") quit();
+}
+
+} // namespace quenthisar

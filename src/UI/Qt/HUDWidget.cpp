@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Qt/HUDWidget.h"
+
+#include "UI/Qt/Colors.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+#include <QPainterPath>
+#include <QRadialGradient>
+
+#include <algorithm>
+#include <cmath>
+
+namespace quenthisar {
+
+namespace {
+
+// In points.
+constexpr double dotSize = 14, dotGlow = 5, spacing = 11;
+constexpr double horizontalPadding = 24, verticalPadding = 16;
+constexpr double outlineWidth = 1.5, outlineOpacity = 0.4, glowOpacity = 0.85;
+/// Around the capsule, for the shadow.
+constexpr double surround = 8;
+constexpr int fontSize = 20;
+
+QColor withOpacity(QColor color, double opacity) {
+    color.setAlphaF(static_cast<float>(opacity));
+    return color;
+}
+
+QPainterPath capsulePath(const QRectF& rect) {
+    QPainterPath path;
+    path.addRoundedRect(rect, rect.height() / 2, rect.height() / 2);
+    return path;
+}
+
+} // namespace
+
+HUDWidget::HUDWidget(const HUDView& view)
+    : target(QString::fromStdString(view.target).simplified()), color(standardColor(view.color)),
+      face(font()) {
+    face.setPixelSize(fontSize);
+    face.setWeight(QFont::DemiBold);
+    setAccessibleName(target);
+}
+
+QSize HUDWidget::sizeHint() const {
+    const QFontMetricsF metrics(face);
+    const double width = dotSize + spacing + metrics.horizontalAdvance(target);
+    const double height = std::max(dotSize, metrics.height());
+    return QSizeF(std::ceil(width + 2 * (horizontalPadding + surround)),
+                  std::ceil(height + 2 * (verticalPadding + surround)))
+        .toSize();
+}
+
+QRectF HUDWidget::capsule() const {
+    return QRectF(rect()).adjusted(surround, surround, -surround, -surround);
+}
+
+void HUDWidget::resizeEvent(QResizeEvent*) {
+    if (solid) setMask(QRegion(capsulePath(capsule()).toFillPolygon().toPolygon()));
+}
+
+void HUDWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const auto area = capsule();
+    if (!solid) paintShadow(painter);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withOpacity(palette().color(QPalette::Window), solid ? 1 : 0.86));
+    painter.drawPath(capsulePath(area));
+
+    constexpr double inset = outlineWidth / 2;
+    painter.setPen(QPen(withOpacity(color, outlineOpacity), outlineWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(capsulePath(area.adjusted(inset, inset, -inset, -inset)));
+
+    const double left = area.left() + horizontalPadding;
+    paintDot(painter, {left + dotSize / 2, area.center().y()});
+    painter.setFont(face);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(area.adjusted(horizontalPadding + dotSize + spacing, 0, 0, 0),
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, target);
+}
+
+/// Rings that grow fainter with their distance from the capsule; none lies beneath it.
+void HUDWidget::paintShadow(QPainter& painter) const {
+    constexpr double opacity = 0.024;
+    constexpr int rings = static_cast<int>(surround) - 1;
+    QPainterPath outside;
+    outside.addRect(rect());
+    painter.save();
+    painter.setClipPath(outside.subtracted(capsulePath(capsule())));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withOpacity(Qt::black, opacity));
+    for (int ring = 1; ring <= rings; ++ring)
+        painter.drawPath(capsulePath(capsule().adjusted(-ring, 1 - ring, ring, ring + 1)));
+    painter.restore();
+}
+
+void HUDWidget::paintDot(QPainter& painter, QPointF center) const {
+    constexpr double reach = dotSize / 2 + 2 * dotGlow;
+    QRadialGradient glow(center, reach);
+    glow.setColorAt(0, withOpacity(color, glowOpacity));
+    glow.setColorAt(dotSize / 2 / reach, withOpacity(color, glowOpacity * 0.6));
+    glow.setColorAt(0.75, withOpacity(color, glowOpacity * 0.12));
+    glow.setColorAt(1, withOpacity(color, 0));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(glow);
+    painter.drawEllipse(center, reach, reach);
+    painter.setBrush(color);
+    painter.drawEllipse(center, dotSize / 2, dotSize / 2);
+}
+
+} // namespace quenthisar

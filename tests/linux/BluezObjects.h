@@ -1,0 +1,108 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "dongle/ObjectTree.h"
+#include "linux/BluezStage.h"
+
+#include <QDBusArgument>
+#include <QDBusPendingCall>
+
+#include <set>
+
+namespace quenthisar {
+
+using namespace Qt::StringLiterals;
+
+inline const auto adapterInterface = u"org.bluez.Adapter1"_s;
+inline const auto deviceInterface = u"org.bluez.Device1"_s;
+inline const auto ourService = u"f1e00000-64f2-4b5d-9c51-3e2a5d0d8b10"_s;
+inline const auto ourCharacteristic = u"f1e00001-64f2-4b5d-9c51-3e2a5d0d8b10"_s;
+
+/// A daemon whose objects a test lays out one by one. It agrees to every call but to those that the
+/// test wants refused or unanswered.
+class Objects {
+public:
+    explicit Objects(BluezStage& stage) : bus(stage.connect()), tree(bus) {
+        tree.onCall([this](const QDBusMessage& call) { return answer(call); });
+        bus.registerVirtualObject(u"/"_s, &tree, QDBusConnection::SubPath);
+    }
+
+    void appear() { bus.registerService(u"org.bluez"_s); }
+    void addAdapter(const QString& path, bool powered) {
+        tree.add(path, {{adapterInterface, {{u"Powered"_s, powered}}}});
+    }
+    bool waitForCall(const QString& call) const {
+        return waitUntil([&] { return calls.contains(call); });
+    }
+    void setPowered(const QString& path, bool on) {
+        tree.set(path, adapterInterface, u"Powered"_s, on);
+    }
+    /// `more` adds to a device without a name that offers our service.
+    QString addDevice(const QString& adapter, const QString& address, const QVariantMap& more) {
+        auto path = adapter + u"/dev_"_s + QString(address).replace(u':', u'_');
+        QVariantMap device{{u"Address"_s, address},
+                           {u"Alias"_s, QString(address).replace(u':', u'-')},
+                           {u"UUIDs"_s, QStringList{ourService.toUpper()}},
+                           {u"Adapter"_s, QVariant::fromValue(QDBusObjectPath(adapter))}};
+        device.insert(more);
+        tree.add(path, {{deviceInterface, device}});
+        return path;
+    }
+    /// Our service with its characteristic.
+    void addService(const QString& device) {
+        const auto service = device + u"/service0001"_s;
+        tree.add(service, {{u"org.bluez.GattService1"_s,
+                            {{u"UUID"_s, ourService},
+                             {u"Device"_s, QVariant::fromValue(QDBusObjectPath(device))}}}});
+        tree.add(service + u"/char0002"_s,
+                 {{u"org.bluez.GattCharacteristic1"_s,
+                   {{u"UUID"_s, ourCharacteristic},
+                    {u"Service"_s, QVariant::fromValue(QDBusObjectPath(service))}}}});
+    }
+
+    /// Calls an object of `client` as the daemon; the name of the error, empty for none.
+    std::string ask(const QDBusConnection& client, const QString& path, const QString& interface,
+                    const QString& method, const QVariantList& arguments) const {
+        auto question =
+            QDBusMessage::createMethodCall(client.baseService(), path, interface, method);
+        question.setArguments(arguments);
+        auto reply = bus.asyncCall(question);
+        if (!waitUntil([&] { return reply.isFinished(); })) return "no answer";
+        return reply.error().name().toStdString();
+    }
+
+    QDBusConnection bus;
+    dongle::ObjectTree tree;
+    QStringList calls;
+    QVariantMap filter; // of the last SetDiscoveryFilter
+    std::set<QString> unanswered, refused;
+
+private:
+    bool answer(const QDBusMessage& call) {
+        calls += call.path() + u' ' + call.member();
+        if (unanswered.contains(call.member())) return true;
+        if (refused.contains(call.member())) {
+            tree.fail(call, u"org.bluez.Error.Failed"_s, u"no"_s);
+            return true;
+        }
+        if (call.member() == u"SetDiscoveryFilter")
+            filter = qdbus_cast<QVariantMap>(call.arguments().value(0));
+        if (call.member() == u"StartDiscovery")
+            tree.set(call.path(), adapterInterface, u"Discovering"_s, true);
+        tree.reply(call);
+        return true;
+    }
+};
+
+inline QVariantMap onAir(const QString& name) {
+    return {{u"Name"_s, name}, {u"RSSI"_s, QVariant::fromValue(short{-50})}};
+}
+
+/// A link that the daemon has held since before.
+inline QVariantMap linked(const QString& name) {
+    auto device = onAir(name);
+    device.insert({{u"Connected"_s, true}, {u"ServicesResolved"_s, true}});
+    return device;
+}
+
+} // namespace quenthisar

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/XConnection.h"
+
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace quenthisar::test {
+
+/// Another program that holds the CLIPBOARD selection and answers as its script says. The script
+/// runs on a thread of the owner's; it has ended when the owner is gone.
+class SelectionOwner {
+public:
+    using Request = xcb_selection_request_event_t;
+    using Script = std::function<void(SelectionOwner&, const Request&)>;
+
+    /// It holds the selection when this returns.
+    explicit SelectionOwner(Script script);
+    ~SelectionOwner();
+    SelectionOwner(const SelectionOwner&) = delete;
+    SelectionOwner& operator=(const SelectionOwner&) = delete;
+
+    // For the script.
+
+    /// Puts the property that was asked for; `bytes` in units of `format` bits.
+    void put(const Request& request, const char* type, const std::string& bytes,
+             std::uint8_t format = 8);
+    /// Says that the property is there, or that there is none.
+    void notify(const Request& request, bool isThere = true);
+    void give(const Request& request, const char* type, const std::string& bytes,
+              std::uint8_t format = 8);
+    /// Announces pieces, and waits until the requestor wants the first.
+    bool announcePieces(const Request& request, std::uint32_t size = 1);
+    /// Puts a piece and waits until it is taken. False when the requestor has gone.
+    bool givePiece(const Request& request, const std::string& bytes,
+                   const char* type = "UTF8_STRING");
+    bool isFor(const Request& request, const char* target);
+    /// Ends the connection, as the end of the program does.
+    void die();
+
+private:
+    xcb_atom_t atom(const std::string& name);
+    bool waitUntilTaken(const Request& request);
+    XOwned<xcb_generic_event_t> next();
+    void run();
+
+    const std::unique_ptr<XConnection> connection = XConnection::open();
+    const Script script;
+    std::thread thread;
+};
+
+} // namespace quenthisar::test

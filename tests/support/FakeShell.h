@@ -1,0 +1,127 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Platform/HotkeyService.h"
+#include "Platform/Pasteboard.h"
+#include "Platform/SerialQueue.h"
+#include "UI/HUDView.h"
+#include "support/VirtualClock.h"
+
+#include <algorithm>
+#include <deque>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quenthisar {
+
+/// Hotkeys that a test presses; `taken` are those that another program holds.
+class FakeHotkeyService final : public HotkeyService {
+public:
+    struct Combination {
+        std::uint32_t keyCode = 0, modifiers = 0;
+        auto operator<=>(const Combination&) const = default;
+    };
+
+    void installEventHandler(Handler next) override { handler = std::move(next); }
+    std::optional<HotkeyRef> registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
+                                                 const HotkeyIdentity& identity) override {
+        const Combination combination{keyCode, modifiers};
+        asked.emplace_back(combination, identity);
+        if (taken.contains(combination)) return std::nullopt;
+        registered.emplace_back(combination, identity);
+        return static_cast<HotkeyRef>(registered.size());
+    }
+
+    /// Nothing happens if nobody has registered it.
+    void press(std::uint32_t keyCode, std::uint32_t modifiers) {
+        for (const auto& [combination, identity] : registered)
+            if (combination == Combination{keyCode, modifiers}) handler(identity);
+    }
+
+    Handler handler;
+    std::set<Combination> taken;
+    std::vector<std::pair<Combination, HotkeyIdentity>> asked, registered;
+};
+
+class FakePasteboard final : public Pasteboard {
+public:
+    std::optional<std::string> string() override { return text; }
+    std::optional<std::string> text;
+};
+
+/// A thread in virtual time: what waits there runs when the test says so, and its sleeps pass on
+/// the clock.
+class FakeSerialQueue final : public SerialQueue {
+public:
+    explicit FakeSerialQueue(VirtualClock& virtualClock) : clock(virtualClock) {}
+
+    void async(std::function<void()> action) override { waiting.push_back(std::move(action)); }
+    bool sleepForTimeInterval(Seconds interval) override {
+        if (onSleep) onSleep();
+        clock.advance(std::chrono::round<VirtualClock::Nanoseconds>(interval));
+        return !isGoing;
+    }
+
+    void run() {
+        while (!waiting.empty()) {
+            const auto action = std::move(waiting.front());
+            waiting.pop_front();
+            action();
+        }
+    }
+
+    VirtualClock& clock;
+    std::deque<std::function<void()>> waiting;
+    std::function<void()> onSleep;
+    bool isGoing = false;
+};
+
+/// A panel that does what it is told at once, but for its animations, which take their time.
+class FakePanel final : public Panel {
+public:
+    FakePanel(VirtualClock& virtualClock, Size fitting) : clock(virtualClock), size(fitting) {}
+
+    Size fittingSize() const override { return size; }
+    void setFrameOrigin(Point next) override { origin = next; }
+    void setAlpha(double next) override { alpha = next; }
+    void orderFrontRegardless() override { isShown = true; }
+    void orderOut() override { isShown = false; }
+    void animateAlpha(double next, Seconds duration, std::function<void()> completion) override {
+        fades.emplace_back(next, duration);
+        clock.after(duration, [this, next, done = std::move(completion)] {
+            alpha = next;
+            if (done) done();
+        });
+    }
+
+    VirtualClock& clock;
+    Size size;
+    Point origin;
+    double alpha = 1;
+    bool isShown = false;
+    std::vector<std::pair<double, Seconds>> fades;
+};
+
+class FakePanels final : public HUDPanels {
+public:
+    explicit FakePanels(VirtualClock& virtualClock) : clock(virtualClock) {}
+
+    std::shared_ptr<Panel> create(const HUDView& view) override {
+        views.push_back(view);
+        made.push_back(std::make_shared<FakePanel>(clock, size));
+        return made.back();
+    }
+    int shown() const {
+        return static_cast<int>(
+            std::ranges::count_if(made, [](const auto& panel) { return panel->isShown; }));
+    }
+
+    VirtualClock& clock;
+    Size size{300, 90};
+    std::vector<HUDView> views;
+    std::vector<std::shared_ptr<FakePanel>> made;
+};
+
+} // namespace quenthisar
