@@ -7,11 +7,9 @@
 #include <QDBusArgument>
 #include <QDBusUnixFileDescriptor>
 
-#include <QEvent>
-
 #include <array>
-#include <cerrno>
 #include <chrono>
+#include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
 #include <utility>
@@ -27,8 +25,11 @@ constexpr ushort mtu = 247;
 constexpr auto answerTime = 20ms;
 // An ATT transaction that takes longer ends the link.
 constexpr auto attTimeout = 30s;
-constexpr std::size_t payloadsAtOnce = 8;
-constexpr int drainedBatches = 8;
+
+std::span<const std::uint8_t> bytesOf(const QByteArray& value) {
+    return {reinterpret_cast<const std::uint8_t*>(value.constData()),
+            static_cast<std::size_t>(value.size())};
+}
 
 } // namespace
 
@@ -57,7 +58,7 @@ bool Characteristic::call(const QDBusMessage& message, bool connected) {
     if (acquire && dongle.faults.acquire == AcquireFault::missing) return false;
     if (!connected)
         tree.fail(message, bluez::failed, u"Not connected"_s);
-    else if (descriptor >= 0)
+    else if (reader)
         tree.fail(message, bluez::notPermitted, u"Write acquired"_s);
     else if (pending)
         tree.fail(message, bluez::inProgress, u"In Progress"_s);
@@ -72,7 +73,7 @@ void Characteristic::writeValue(const QDBusMessage& message) {
     const auto value = message.arguments().value(0).toByteArray();
     const auto options = qdbus_cast<QVariantMap>(message.arguments().value(1));
     if (options.value(u"type"_s).toString() == u"command") {
-        dongle.receive(Way::command, value);
+        dongle.receive(Way::command, bytesOf(value));
         tree.reply(message);
         return;
     }
@@ -85,7 +86,7 @@ void Characteristic::writeValue(const QDBusMessage& message) {
 }
 
 void Characteristic::request(const QByteArray& value) {
-    dongle.receive(Way::request, value);
+    dongle.receive(Way::request, bytesOf(value));
     const bool silent = dongle.faults.probe == ProbeFault::silent;
     const bool refused = dongle.faults.probe == ProbeFault::refuse;
     later(silent ? attTimeout : answerTime, this, [this, silent, refused, number = requests] {
@@ -135,13 +136,17 @@ void Characteristic::acquireWrite(const QDBusMessage& message) {
         tree.fail(message, bluez::notSupported, u"Operation is not supported"_s);
         return;
     }
-    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_NONBLOCK | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) {
         tree.fail(message, bluez::failed, u"No socket"_s);
         return;
     }
-    descriptor = ends[0];
-    notifier = std::make_unique<Notifier>(descriptor, *this);
-    notifier->setEnabled(dongle.faults.reading);
+    ::fcntl(ends[1], F_SETFL, O_NONBLOCK); // as the daemon hands it out
+    reader = std::make_unique<PayloadReader>(
+        ends[0],
+        PayloadReader::Handlers{
+            .take = [this](auto payload) { dongle.receive(Way::descriptor, payload); },
+            .ended = [this, number = ++descriptors] { closeLater(number); }},
+        dongle.faults.reading);
     QDBusUnixFileDescriptor theirs;
     theirs.giveFileDescriptor(ends[1]);
     dongle.report(u"descriptor acquired"_s);
@@ -149,54 +154,29 @@ void Characteristic::acquireWrite(const QDBusMessage& message) {
     tree.set(path, bluez::characteristic, u"WriteAcquired"_s, true);
 }
 
-// A burst must not keep the bus waiting: what is left makes the notifier fire again.
-bool Characteristic::Notifier::event(QEvent* event) {
-    if (event->type() != QEvent::SockAct) return QSocketNotifier::event(event);
-    static_cast<void>(owner.takeBatch());
-    return true;
-}
-
-// One call takes all that is there: a second one, only to hear that there is no more, would cost as
-// much as the first.
-bool Characteristic::takeBatch() {
-    std::array<std::array<char, mtu>, payloadsAtOnce> buffers;
-    std::array<iovec, payloadsAtOnce> places{};
-    std::array<mmsghdr, payloadsAtOnce> messages{};
-    for (std::size_t i = 0; i < payloadsAtOnce; ++i) {
-        places[i] = {.iov_base = buffers[i].data(), .iov_len = buffers[i].size()};
-        messages[i].msg_hdr.msg_iov = &places[i];
-        messages[i].msg_hdr.msg_iovlen = 1;
-    }
-    const auto count = ::recvmmsg(descriptor, messages.data(), payloadsAtOnce, 0, nullptr);
-    if (count < 0 && (errno == EAGAIN || errno == EINTR)) return false;
-    for (std::size_t i = 0; i < payloadsAtOnce && static_cast<int>(i) < count; ++i) {
-        const auto size = messages[i].msg_len;
-        if (size == 0) break; // the end
-        dongle.receive(Way::descriptor, QByteArray{buffers[i].data(), size});
-        if (i + 1 == static_cast<std::size_t>(count)) return i + 1 == payloadsAtOnce;
-    }
-    closeDescriptor();
-    return false;
-}
-
 void Characteristic::drain() {
-    if (!dongle.faults.reading) return;
-    for (int i = 0; i < drainedBatches && descriptor >= 0 && takeBatch(); ++i) {
-    }
+    if (reader) reader->drain();
 }
 
 void Characteristic::closeDescriptor() {
-    if (descriptor < 0) return;
-    // Not now: this may be the notifier's own call.
-    notifier->setEnabled(false);
-    notifier.release()->deleteLater();
-    ::close(std::exchange(descriptor, -1));
+    if (!reader) return;
+    reader.reset();
     dongle.report(u"descriptor closed"_s);
     tree.set(path, bluez::characteristic, u"WriteAcquired"_s, false);
 }
 
+// Called on the reader's thread, which the main loop waits for when it closes.
+void Characteristic::closeLater(int number) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, number] {
+            if (number == descriptors) closeDescriptor();
+        },
+        Qt::QueuedConnection);
+}
+
 void Characteristic::setReading(bool reading) {
-    if (notifier) notifier->setEnabled(reading);
+    if (reader) reader->setReading(reading);
 }
 
 void Characteristic::linkLost() {

@@ -4,9 +4,9 @@
 #include "Agents.h"
 #include "Dongle.h"
 #include "ObjectTree.h"
+#include "PayloadReader.h"
 
 #include <QObject>
-#include <QSocketNotifier>
 
 #include <functional>
 #include <memory>
@@ -42,36 +42,22 @@ public:
     void closeDescriptor();
 
 private:
-    /// Takes its event itself: a signal would cost more than the rest of the way.
-    class Notifier final : public QSocketNotifier {
-    public:
-        Notifier(int descriptor, Characteristic& characteristic)
-            : QSocketNotifier(descriptor, QSocketNotifier::Read), owner(characteristic) {}
-
-    protected:
-        bool event(QEvent* event) override;
-
-    private:
-        Characteristic& owner;
-    };
-
     void writeValue(const QDBusMessage& call);
     void request(const QByteArray& value);
     void pairFirst(const QByteArray& value);
     void answerRequest(const QString& error = {}, const QString& text = {});
     void acquireWrite(const QDBusMessage& call);
-    /// True if there may be more.
-    bool takeBatch();
+    void closeLater(int number);
 
     ObjectTree& tree;
     Agents& agents;
     Dongle& dongle;
     QString path;
     Owner owner;
-    std::optional<QDBusMessage> pending; // the write request under way
-    int requests = 0;                    // counts them, so that a late timer finds another
-    int descriptor = -1;
-    std::unique_ptr<Notifier> notifier;
+    std::optional<QDBusMessage> pending;   // the write request under way
+    int requests = 0;                      // counts them, so that a late timer finds another
+    int descriptors = 0;                   // counts them, for the same reason
+    std::unique_ptr<PayloadReader> reader; // of the one that was handed out
 };
 
 } // namespace quenthisar::dongle

@@ -113,7 +113,7 @@ void Control::SetInRange(const QString& address, bool inRange) {
 
 void Control::SetName(const QString& address, const QString& name) {
     if (auto* dongle = find(address)) {
-        dongle->name = name;
+        dongle->rename(name);
         changed(*dongle);
     }
 }

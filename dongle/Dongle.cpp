@@ -3,7 +3,6 @@
 
 #include "Journal.h"
 
-#include <cstdint>
 #include <span>
 #include <string>
 #include <utility>
@@ -37,15 +36,23 @@ void Dongle::report(const QString& what) const {
     journal(ownAddress, name, what);
 }
 
-void Dongle::receive(Way way, const QByteArray& bytes) {
+void Dongle::rename(const QString& to) {
+    const std::lock_guard lock{mutex};
+    name = to;
+}
+
+void Dongle::receive(Way way, std::span<const std::uint8_t> payload) {
     const auto arrival = Clock::now();
-    const auto decoded = decode({reinterpret_cast<const std::uint8_t*>(bytes.constData()),
-                                 static_cast<std::size_t>(bytes.size())});
+    const auto decoded = decode(payload);
+    const std::lock_guard lock{mutex};
     if (hid) hid->apply(decoded);
     // What it costs to write it down is no part of what a target waits for.
     journal(
         ownAddress, name,
-        [way, bytes, decoded] {
+        [way,
+         bytes = QByteArray{reinterpret_cast<const char*>(payload.data()),
+                            static_cast<qsizetype>(payload.size())},
+         decoded] {
             std::string what{"report "};
             what.append(wayName(way)).append(1, ' ');
             what.append(bytes.isEmpty() ? "-"_ba : bytes.toHex()).append(1, ' ');
@@ -55,12 +62,16 @@ void Dongle::receive(Way way, const QByteArray& bytes) {
 }
 
 void Dongle::linkLost(const QString& reason) {
-    if (hid) hid->releaseAll();
+    {
+        const std::lock_guard lock{mutex};
+        if (hid) hid->releaseAll();
+    }
     report(u"disconnected "_s + reason);
 }
 
 void Dongle::shutDown() {
     if (!hid) return;
+    const std::lock_guard lock{mutex};
     hid->releaseAll();
     target->sync();
 }

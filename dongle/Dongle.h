@@ -4,11 +4,13 @@
 #include "HidDevice.h"
 #include "XTestTarget.h"
 
-#include <QByteArray>
 #include <QString>
 
+#include <cstdint>
 #include <memory>
+#include <mutex>
 #include <set>
+#include <span>
 
 namespace quenthisar::dongle {
 
@@ -30,7 +32,8 @@ struct Faults {
     bool reading = true; // takes payloads from the descriptor
 };
 
-/// The thing itself, beyond the air: it outlives the daemon that talks to it. Main thread.
+/// The thing itself, beyond the air: it outlives the daemon that talks to it. Main thread, but for
+/// the payloads of a descriptor.
 class Dongle {
 public:
     /// `display` empty: there is no target.
@@ -44,13 +47,16 @@ public:
     /// Writes a line with what happened to it.
     void report(const QString& what) const;
 
-    void receive(Way way, const QByteArray& bytes);
+    /// Any thread.
+    void receive(Way way, std::span<const std::uint8_t> bytes);
     /// Releases everything, as the link is gone.
     void linkLost(const QString& reason);
     /// Releases everything and waits until the target has seen it.
     void shutDown();
 
-    QString name; // empty: it advertises none
+    void rename(const QString& to);
+    /// Empty: it advertises none. Changed by `rename` only.
+    QString name;
     Faults faults;
     // The daemon's storage: paths of adapters.
     std::set<QString> rememberedBy, pairedWith;
@@ -61,6 +67,7 @@ private:
     QString ownAddress;
     std::unique_ptr<XTestTarget> target;
     std::unique_ptr<HidDevice> hid;
+    std::mutex mutex; // payloads come on their reader's thread
 };
 
 } // namespace quenthisar::dongle

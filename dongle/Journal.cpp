@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Journal.h"
 
+#include <QCoreApplication>
 #include <QTimer>
 
+#include <atomic>
 #include <cstdio>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -34,16 +37,27 @@ public:
     using Line = std::function<std::string()>;
 
     void add(Line line) {
+        const std::lock_guard lock{mutex};
         lines.push_back(std::move(line));
         if (delay.count() == 0 || lines.size() > most)
-            flush();
-        else if (!std::exchange(timer, true))
-            QTimer::singleShot(delay, [this] {
-                timer = false;
-                flush();
+            write();
+        else if (!timer.exchange(true))
+            QMetaObject::invokeMethod(qApp, [this] {
+                QTimer::singleShot(delay, [this] {
+                    timer = false;
+                    flush();
+                });
             });
     }
     void flush() {
+        const std::lock_guard lock{mutex};
+        write();
+    }
+
+    std::chrono::milliseconds delay{0};
+
+private:
+    void write() {
         std::string text;
         for (const auto& line : lines) text.append(line()).append(1, '\n');
         lines.clear();
@@ -52,13 +66,11 @@ public:
         static_cast<void>(std::fflush(stdout));
     }
 
-    std::chrono::milliseconds delay{0};
-
-private:
     static constexpr std::size_t most = 1024;
 
     std::vector<Line> lines;
-    bool timer = false;
+    std::atomic<bool> timer = false;
+    std::mutex mutex;
 };
 
 Waiting& waiting() {

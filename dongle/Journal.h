@@ -11,16 +11,16 @@ namespace quenthisar::dongle {
 
 using Clock = std::chrono::steady_clock; // CLOCK_MONOTONIC
 
-/// Writes one line to standard output at once: the time in microseconds, who (an address, "hci0" or
-/// "daemon"), the name in double quotes (escaped as in C) and what happened.
+/// Any thread. Writes one line to standard output at once: the time in microseconds, who (an
+/// address, "hci0" or "daemon"), the name in double quotes (escaped as in C) and what happened.
 void journal(const QString& who, const QString& name, const QString& what,
              Clock::time_point time = Clock::now());
 /// The same for what happens often: `what` (UTF-8) is asked for when the line is written.
 void journal(const QString& who, const QString& name, std::function<std::string()> what,
              Clock::time_point time);
 
-/// From now on lines wait to be written together, for at most `delay`. Their times tell when they
-/// were due.
+/// Main thread. From now on lines wait to be written together, for at most `delay`. Their times
+/// tell when they were due.
 void delayJournal(std::chrono::milliseconds delay);
 /// Writes what waits.
 void flushJournal();

@@ -47,9 +47,9 @@ void XTestTarget::drain() {
 }
 
 void XTestTarget::checkConnection() {
-    if (root == XCB_NONE || xcb_connection_has_error(connection.get()) == 0) return;
-    root = XCB_NONE;
-    readable->setEnabled(false);
+    if (xcb_connection_has_error(connection.get()) == 0 || root.exchange(XCB_NONE) == XCB_NONE)
+        return;
+    QMetaObject::invokeMethod(readable.get(), [this] { readable->setEnabled(false); });
     if (onLost) onLost();
 }
 

@@ -5,6 +5,7 @@
 
 #include <QSocketNotifier>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <string>
@@ -12,10 +13,12 @@
 
 namespace quenthisar::dongle {
 
-/// An X server whose keys are pressed and whose pointer is moved through XTest. Main thread.
+/// An X server whose keys are pressed and whose pointer is moved through XTest. Input may come from
+/// any one thread at a time, the rest from the main thread.
 class XTestTarget final : public InputSink {
 public:
-    /// `display` such as ":1". `lost` is called once when the server goes away later.
+    /// `display` such as ":1". `lost` is called once when the server goes away later, on the thread
+    /// that finds out.
     XTestTarget(const std::string& display, std::function<void()> lost);
     ~XTestTarget() override;
     XTestTarget(const XTestTarget&) = delete;
@@ -41,7 +44,7 @@ private:
     void checkConnection();
 
     std::unique_ptr<xcb_connection_t, Disconnect> connection;
-    xcb_window_t root = XCB_NONE;
+    std::atomic<xcb_window_t> root = XCB_NONE; // none once it is lost
     std::function<void()> onLost;
     std::unique_ptr<QSocketNotifier> readable;
 };
