@@ -18,6 +18,8 @@ using demo::XServer;
 constexpr auto startLimit = 20s;
 /// Written at once, each line would wake its reader within what is measured.
 constexpr auto lineDelay = 500ms;
+/// Until the panel of a takeover has faded out: it is no part of what an event costs.
+constexpr auto panelGone = 3500ms;
 
 class Direct final : public Subject {
 public:
@@ -65,6 +67,7 @@ public:
         rig.startProgram();
         if (!crossing.enter(startLimit))
             throw std::runtime_error("crossing the edge does not take over");
+        std::this_thread::sleep_for(panelGone);
         mark = rig.dongle().mark();
     }
 
