@@ -8,7 +8,6 @@
 #include <array>
 #include <cstddef>
 #include <string>
-#include <utility>
 
 namespace quenthisar::KeycodeMap {
 
@@ -159,9 +158,44 @@ constexpr auto replacements = std::to_array<Replacement>({
     {0x00A0, U" "},   // no-break space
 });
 
-constexpr bool isTypeable(char32_t scalar) {
-    return scalar == '\t' || scalar == '\n' || (scalar >= 32 && scalar <= 126);
+/// Of a scalar value, or of a byte of UTF-8.
+template <class Character>
+constexpr bool isTypeable(Character c) {
+    return c == '\t' || c == '\n' || (c >= 32 && c <= 126);
 }
+
+/// What is typed in place of the scalars that can't be typed as they are. A text has few different
+/// ones, and many of each: they are worked out once.
+class Substitutes {
+public:
+    std::string_view of(std::int32_t scalar) {
+        auto& place = places.at(static_cast<std::uint32_t>(scalar) % places.size());
+        if (place.scalar != scalar) workOut(place, scalar);
+        return place.text;
+    }
+
+private:
+    struct Place {
+        std::int32_t scalar = 0; // has none
+        std::string text;
+    };
+
+    void workOut(Place& place, std::int32_t scalar) {
+        place.scalar = scalar;
+        place.text.clear();
+        folded.clear();
+        const auto it = std::ranges::find(replacements, scalar, &Replacement::scalar);
+        if (it != replacements.end())
+            folded = it->text;
+        else
+            Text::appendFolded(scalar, folded);
+        for (const char32_t c : folded)
+            if (isTypeable(c)) place.text += static_cast<char>(c);
+    }
+
+    std::array<Place, 1024> places;
+    std::u32string folded;
+};
 
 /// The rows as a table that is indexed by `key`, 0 where there is no row. Two rows with one key, or
 /// a key outside the table, fail to compile.
@@ -222,23 +256,21 @@ std::optional<Keypress> usbKeypress(std::uint8_t forASCII) {
 
 std::vector<std::uint8_t> asciiBytes(std::string_view from, std::size_t limit) {
     std::vector<std::uint8_t> bytes;
-    std::u32string folded;
-    bool afterReturn = false;
-    Text::forEachScalar(from, [&](std::int32_t scalar) {
-        if (bytes.size() >= limit) return false;
-        const bool endsReturn = std::exchange(afterReturn, scalar == '\r') && scalar == '\n';
-        if (endsReturn) return true;
-        folded.clear();
-        const auto it = std::ranges::find(replacements, scalar, &Replacement::scalar);
-        if (it != replacements.end())
-            folded = it->text;
-        else
-            Text::appendFolded(scalar, folded);
-        for (const char32_t c : folded)
-            if (isTypeable(c) && bytes.size() < limit)
-                bytes.push_back(static_cast<std::uint8_t>(c));
-        return true;
-    });
+    bytes.reserve(std::min(from.size(), limit));
+    Substitutes substitutes;
+    while (!from.empty() && bytes.size() < limit) {
+        // Most of a text can be typed as it is, and is copied in one piece.
+        const auto piece = from.substr(0, limit - bytes.size());
+        const auto end = std::ranges::find_if_not(piece, [](char c) { return isTypeable(c); });
+        bytes.insert(bytes.end(), piece.begin(), end);
+        from.remove_prefix(static_cast<std::size_t>(end - piece.begin()));
+        if (end == piece.end()) continue;
+
+        const auto scalar = Text::takeScalar(from);
+        if (scalar == '\r' && from.starts_with('\n')) from.remove_prefix(1);
+        const auto substitute = substitutes.of(scalar).substr(0, limit - bytes.size());
+        bytes.insert(bytes.end(), substitute.begin(), substitute.end());
+    }
     return bytes;
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Support/Text.h"
 
+#include <algorithm>
 #include <array>
+#include <limits>
 #include <utf8proc.h>
 
 namespace quenthisar::Text {
@@ -34,6 +36,10 @@ bool isWhitespaceOrNewline(std::int32_t scalar) {
     return category == UTF8PROC_CATEGORY_ZL || category == UTF8PROC_CATEGORY_ZP;
 }
 
+bool isMark(const utf8proc_property_t& property) {
+    return property.category >= UTF8PROC_CATEGORY_MN && property.category <= UTF8PROC_CATEGORY_ME;
+}
+
 template <class Predicate>
 std::string_view trimmed(std::string_view text, Predicate isTrimmed) {
     std::size_t begin = text.size(), end = 0;
@@ -56,12 +62,10 @@ void append(std::string& text, std::int32_t scalar) {
 
 } // namespace
 
-void forEachScalar(std::string_view text, const std::function<bool(std::int32_t)>& visit) {
-    while (!text.empty()) {
-        const auto [scalar, length] = decodeFirst(text);
-        if (!visit(scalar)) return;
-        text.remove_prefix(length);
-    }
+std::int32_t takeScalar(std::string_view& text) {
+    const auto [scalar, length] = decodeFirst(text);
+    text.remove_prefix(length);
+    return scalar;
 }
 
 std::string_view trimmedOfBlanks(std::string_view text) {
@@ -98,7 +102,14 @@ void appendFolded(std::int32_t scalar, std::u32string& output) {
         output += static_cast<char32_t>(scalar);
         return;
     }
-    const auto kind = utf8proc_get_property(scalar)->decomp_type;
+    const auto* property = utf8proc_get_property(scalar);
+    // Most of the world's letters are no others in disguise.
+    if (property->decomp_seqindex == std::numeric_limits<utf8proc_uint16_t>::max() &&
+        !isMark(*property)) {
+        output += static_cast<char32_t>(scalar);
+        return;
+    }
+    const auto kind = property->decomp_type;
     const bool otherWidth =
         kind == UTF8PROC_DECOMP_TYPE_WIDE || kind == UTF8PROC_DECOMP_TYPE_NARROW;
     const int options =

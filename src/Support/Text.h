@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 
@@ -13,9 +12,9 @@ namespace quenthisar {
 /// any thread.
 namespace Text {
 
-/// Calls `visit` with each Unicode scalar value in order, as long as it returns true. A byte that
-/// is no UTF-8 is visited as -1.
-void forEachScalar(std::string_view text, const std::function<bool(std::int32_t)>& visit);
+/// Takes the first Unicode scalar value off `text`, which is not empty. A byte that is no UTF-8 is
+/// taken as -1.
+std::int32_t takeScalar(std::string_view& text);
 
 /// Without space separators (category Zs) and tabs at both ends. Line breaks stay.
 std::string_view trimmedOfBlanks(std::string_view text);
@@ -29,7 +28,7 @@ std::string lowercased(std::string_view text);
 
 /// Appends `scalar` to `output` without its diacritics and in its ordinary width: canonically
 /// decomposed, marks left out, full-width and half-width forms mapped. Other compatibility forms
-/// stay as they are.
+/// and the syllables of Hangul stay as they are.
 void appendFolded(std::int32_t scalar, std::u32string& output);
 
 } // namespace Text

@@ -93,10 +93,16 @@ TEST(KeycodeMap, MakesTextTypeable) {
         << "no UTF-8";
 }
 
+TEST(KeycodeMap, KeepsApartWhatIsWorkedOutOnce) {
+    // The distance is a power of two, as the size of any table would be.
+    EXPECT_EQ(typeable("\u00E9\u04E9\u00E9\u10E9\u201C\u00E9\U000100E9"), "ee\"e");
+}
+
 TEST(KeycodeMap, StopsAtTheLimitAndDoesNotCountWhatIsLeftOut) {
     EXPECT_EQ(typeable("abc", 2), "ab");
     EXPECT_EQ(typeable("a\u20ACbc", 2), "ab");
     EXPECT_EQ(typeable("a\u2026", 3), "a..");
+    EXPECT_EQ(typeable("\r\na\r\n\u00E9\u00E9", 4), "\na\ne");
     EXPECT_EQ(typeable("a", 0), "");
 }
 

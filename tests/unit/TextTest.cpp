@@ -45,6 +45,7 @@ TEST(Text, FoldsAccentsInBothFormsAndWidths) {
     EXPECT_EQ(folded(U"\u212A"), U"K");
     EXPECT_EQ(folded(U"\u00BD\uFB01\u2460\u00B2"), U"\u00BD\uFB01\u2460\u00B2")
         << "other compatibility forms are not spelt out";
+    EXPECT_EQ(folded(U"\uAC00\u0416\u4E00"), U"\uAC00\u0416\u4E00") << "nothing to leave out";
     EXPECT_EQ(folded(U"\u20AC\U0001F600"), U"\u20AC\U0001F600");
 }
 
