@@ -30,6 +30,7 @@ public:
 
     /// Whether a key typed at the host arrives at its desk.
     bool hostKeyboardWorks(std::chrono::milliseconds limit);
+    QString hostDisplay() const { return hostServer.display(); }
     void endHostServer() { hostServer.kill(); }
     bool hostShowsCursor() const { return hostFrames.showsCursor(host); }
 

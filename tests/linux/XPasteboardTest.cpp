@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/XPasteboard.h"
 #include "demo/RuntimeFolder.h"
+#include "demo/SelectionOwner.h"
 #include "demo/XServer.h"
-#include "linux/SelectionOwner.h"
 
 #include <gtest/gtest.h>
 
@@ -18,6 +18,7 @@ namespace quenthisar::test {
 namespace {
 
 using namespace std::chrono_literals;
+using demo::SelectionOwner;
 using Request = SelectionOwner::Request;
 using Text = std::optional<std::string>;
 

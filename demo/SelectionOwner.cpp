@@ -1,23 +1,39 @@
 // SPDX-License-Identifier: MIT
-#include "linux/SelectionOwner.h"
+#include "SelectionOwner.h"
 
 #include <array>
+#include <cstdlib>
 #include <cstring>
 #include <string_view>
 #include <sys/socket.h>
 #include <utility>
 
-namespace quenthisar::test {
+namespace quenthisar::demo {
 
-SelectionOwner::SelectionOwner(Script answers) : script(std::move(answers)) {
-    auto* c = connection->get();
+void SelectionOwner::Free::operator()(void* memory) const {
+    std::free(memory);
+}
+
+SelectionOwner::SelectionOwner(Script answers, const QString& display)
+    : client(display), script(std::move(answers)) {
+    auto* c = client.get();
     const auto window = xcb_generate_id(c);
-    xcb_create_window(c, 0, window, connection->root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+    xcb_create_window(c, 0, window, client.root(), 0, 0, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
                       XCB_COPY_FROM_PARENT, 0, nullptr);
-    xcb_set_selection_owner(c, window, atom("CLIPBOARD"), XCB_CURRENT_TIME);
-    connection->rootSize(); // the server has come to it
+    xcb_set_selection_owner(c, window, client.atom("CLIPBOARD"), XCB_CURRENT_TIME);
+    static_cast<void>(client.pointer()); // the server has come to it
     thread = std::thread([this] { run(); });
 }
+
+SelectionOwner::SelectionOwner(const QString& text, const QString& display)
+    : SelectionOwner(
+          [bytes = text.toStdString()](auto& self, const auto& request) {
+              if (self.isFor(request, "UTF8_STRING"))
+                  self.give(request, "UTF8_STRING", bytes);
+              else
+                  self.notify(request, false);
+          },
+          display) {}
 
 SelectionOwner::~SelectionOwner() {
     die();
@@ -25,7 +41,7 @@ SelectionOwner::~SelectionOwner() {
 }
 
 void SelectionOwner::die() {
-    ::shutdown(xcb_get_file_descriptor(connection->get()), SHUT_RDWR);
+    ::shutdown(xcb_get_file_descriptor(client.get()), SHUT_RDWR);
 }
 
 void SelectionOwner::run() {
@@ -34,22 +50,13 @@ void SelectionOwner::run() {
             script(*this, reinterpret_cast<const Request&>(*event));
 }
 
-XOwned<xcb_generic_event_t> SelectionOwner::next() {
-    connection->flush();
-    return XOwned<xcb_generic_event_t>{xcb_wait_for_event(connection->get())};
-}
-
-xcb_atom_t SelectionOwner::atom(const std::string& name) {
-    const XOwned<xcb_intern_atom_reply_t> reply{
-        xcb_intern_atom_reply(connection->get(),
-                              xcb_intern_atom(connection->get(), false,
-                                              static_cast<std::uint16_t>(name.size()), name.data()),
-                              nullptr)};
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+std::unique_ptr<xcb_generic_event_t, SelectionOwner::Free> SelectionOwner::next() {
+    xcb_flush(client.get());
+    return std::unique_ptr<xcb_generic_event_t, Free>{xcb_wait_for_event(client.get())};
 }
 
 bool SelectionOwner::isFor(const Request& request, const char* target) {
-    return request.target == atom(target);
+    return request.target == client.atom(target);
 }
 
 void SelectionOwner::put(const Request& request, const char* type, const std::string& bytes,
@@ -58,12 +65,12 @@ void SelectionOwner::put(const Request& request, const char* type, const std::st
     auto mode = XCB_PROP_MODE_REPLACE;
     for (std::size_t at = 0; at == 0 || at < bytes.size(); at += step) {
         const auto part = std::string_view{bytes}.substr(at, step);
-        xcb_change_property(connection->get(), static_cast<std::uint8_t>(mode), request.requestor,
-                            request.property, atom(type), format,
+        xcb_change_property(client.get(), static_cast<std::uint8_t>(mode), request.requestor,
+                            request.property, client.atom(type), format,
                             static_cast<std::uint32_t>(part.size() / (format / 8U)), part.data());
         mode = XCB_PROP_MODE_APPEND;
     }
-    connection->flush();
+    xcb_flush(client.get());
 }
 
 void SelectionOwner::notify(const Request& request, bool isThere) {
@@ -76,8 +83,8 @@ void SelectionOwner::notify(const Request& request, bool isThere) {
     answer.property = isThere ? request.property : xcb_atom_t{XCB_ATOM_NONE};
     std::array<char, 32> event{};
     std::memcpy(event.data(), &answer, sizeof answer);
-    xcb_send_event(connection->get(), false, request.requestor, 0, event.data());
-    connection->flush();
+    xcb_send_event(client.get(), false, request.requestor, 0, event.data());
+    xcb_flush(client.get());
 }
 
 void SelectionOwner::give(const Request& request, const char* type, const std::string& bytes,
@@ -89,8 +96,7 @@ void SelectionOwner::give(const Request& request, const char* type, const std::s
 bool SelectionOwner::announcePieces(const Request& request, std::uint32_t size) {
     const std::array<std::uint32_t, 1> events{XCB_EVENT_MASK_PROPERTY_CHANGE |
                                               XCB_EVENT_MASK_STRUCTURE_NOTIFY};
-    xcb_change_window_attributes(connection->get(), request.requestor, XCB_CW_EVENT_MASK,
-                                 events.data());
+    xcb_change_window_attributes(client.get(), request.requestor, XCB_CW_EVENT_MASK, events.data());
     std::string bytes(sizeof size, '\0');
     std::memcpy(bytes.data(), &size, sizeof size);
     give(request, "INCR", bytes, 32);
@@ -115,4 +121,4 @@ bool SelectionOwner::waitUntilTaken(const Request& request) {
     return false;
 }
 
-} // namespace quenthisar::test
+} // namespace quenthisar::demo

@@ -1,23 +1,28 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Linux/XConnection.h"
+#include "XClient.h"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <thread>
 
-namespace quenthisar::test {
+namespace quenthisar::demo {
 
-/// Another program that holds the CLIPBOARD selection and answers as its script says. The script
+/// A program that holds the CLIPBOARD selection and answers as its script says. The script
 /// runs on a thread of the owner's; it has ended when the owner is gone.
 class SelectionOwner {
 public:
     using Request = xcb_selection_request_event_t;
     using Script = std::function<void(SelectionOwner&, const Request&)>;
 
-    /// It holds the selection when this returns.
-    explicit SelectionOwner(Script script);
+    /// It holds the selection when this returns. Throws std::runtime_error if there is no such
+    /// server.
+    explicit SelectionOwner(Script script,
+                            const QString& display = qEnvironmentVariable("DISPLAY"));
+    /// One with a text that it hands over at once.
+    SelectionOwner(const QString& text, const QString& display);
     ~SelectionOwner();
     SelectionOwner(const SelectionOwner&) = delete;
     SelectionOwner& operator=(const SelectionOwner&) = delete;
@@ -41,14 +46,16 @@ public:
     void die();
 
 private:
-    xcb_atom_t atom(const std::string& name);
     bool waitUntilTaken(const Request& request);
-    XOwned<xcb_generic_event_t> next();
+    struct Free {
+        void operator()(void* memory) const;
+    };
+    std::unique_ptr<xcb_generic_event_t, Free> next();
     void run();
 
-    const std::unique_ptr<XConnection> connection = XConnection::open();
+    const XClient client;
     const Script script;
     std::thread thread;
 };
 
-} // namespace quenthisar::test
+} // namespace quenthisar::demo
