@@ -23,11 +23,6 @@ constexpr double outlineWidth = 1.5, outlineOpacity = 0.4, glowOpacity = 0.85;
 constexpr double surround = 8;
 constexpr int fontSize = 20;
 
-QColor withOpacity(QColor color, double opacity) {
-    color.setAlphaF(static_cast<float>(opacity));
-    return color;
-}
-
 QPainterPath capsulePath(const QRectF& rect) {
     QPainterPath path;
     path.addRoundedRect(rect, rect.height() / 2, rect.height() / 2);

@@ -1,0 +1,74 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Qt/Drawing.h"
+
+#include "UI/Qt/Colors.h"
+
+#include <QPainter>
+#include <QStyleOption>
+
+namespace quenthisar {
+
+namespace {
+
+// In points.
+constexpr double controlRadius = 5, boxRadius = 8, outlineWidth = 1, ringWidth = 2;
+
+/// A rectangle whose outline lies inside `area`.
+void drawRounded(QPainter& painter, const QRectF& area, double radius, const QColor& fill,
+                 const QColor& outline) {
+    constexpr double inset = outlineWidth / 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(outline, outlineWidth));
+    painter.setBrush(fill);
+    painter.drawRoundedRect(area.adjusted(inset, inset, -inset, -inset), radius, radius);
+    painter.restore();
+}
+
+/// A thin line that is seen on boxes and windows, light and dark.
+QColor outlineColor(const QPalette& palette) {
+    return withOpacity(palette.color(QPalette::WindowText), 0.28);
+}
+
+} // namespace
+
+void drawField(QPainter& painter, const QStyleOption& option) {
+    drawRounded(painter, option.rect, controlRadius, option.palette.color(QPalette::Base),
+                outlineColor(option.palette));
+    if (option.state & QStyle::State_HasFocus) drawFocusRing(painter, option.rect, controlRadius);
+}
+
+void drawButton(QPainter& painter, const QStyleOption& option) {
+    const auto& palette = option.palette;
+    const auto text = palette.color(QPalette::ButtonText);
+    auto fill = palette.color(QPalette::Button);
+    fill = mixed(isDark() ? text : QColor(Qt::white), fill, isDark() ? 0.12 : 0.7);
+    if (option.state & (QStyle::State_Sunken | QStyle::State_On))
+        fill = mixed(text, fill, 0.16);
+    else if (option.state & QStyle::State_MouseOver)
+        fill = mixed(text, fill, 0.06);
+    drawRounded(painter, option.rect, controlRadius, fill, outlineColor(palette));
+    if (showsFocus(option)) drawFocusRing(painter, option.rect, controlRadius);
+}
+
+void drawBox(QPainter& painter, const QRectF& area) {
+    const auto text = primaryColor();
+    drawRounded(painter, area, boxRadius, withOpacity(text, 0.045), withOpacity(text, 0.09));
+}
+
+void drawFocusRing(QPainter& painter, const QRectF& area, double radius) {
+    constexpr double inset = ringWidth / 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(accentColor(), ringWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(area.adjusted(inset, inset, -inset, -inset), radius, radius);
+    painter.restore();
+}
+
+bool showsFocus(const QStyleOption& option) {
+    constexpr auto both = QStyle::State_HasFocus | QStyle::State_KeyboardFocusChange;
+    return (option.state & both) == both;
+}
+
+} // namespace quenthisar

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "UI/Qt/Typography.h"
+
+#include <QLabel>
+
+#include <cstdint>
+
+namespace quenthisar {
+
+enum class TextColor : std::uint8_t { primary, secondary, accent };
+
+/// A text in a role and a colour; it follows the desktop's palette. Never markup: names of other
+/// devices stand in it.
+class Label final : public QLabel {
+public:
+    explicit Label(const QString& text, TextRole role = TextRole::body,
+                   TextColor color = TextColor::primary, QWidget* parent = nullptr);
+
+    void setColor(TextColor color);
+};
+
+} // namespace quenthisar

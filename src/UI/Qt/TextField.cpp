@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Qt/TextField.h"
+
+#include "UI/Qt/Typography.h"
+
+#include <QFocusEvent>
+
+#include <utility>
+
+namespace quenthisar {
+
+TextField::TextField(Binding<std::string> text, const QString& placeholder,
+                     const QString& accessibleName, QWidget* parent)
+    : QLineEdit(parent), binding(std::move(text)) {
+    constexpr int horizontalPadding = 4;
+    setFont(quenthisar::font(TextRole::body));
+    setTextMargins(horizontalPadding, 0, horizontalPadding, 0);
+    setPlaceholderText(placeholder);
+    setAccessibleName(accessibleName);
+    // Also what is set through accessibility, dropped or undone.
+    connect(this, &QLineEdit::textChanged, this, &TextField::write);
+    show(binding.get());
+}
+
+void TextField::write(const QString& text) {
+    if (isShowing) return;
+    isEdited = true;
+    binding.set(text.toStdString());
+    lastSeen = binding.get();
+}
+
+void TextField::refresh() {
+    auto stored = binding.get();
+    if (stored == lastSeen) return;
+    if (isEdited && hasFocus())
+        lastSeen = std::move(stored);
+    else
+        show(stored);
+}
+
+void TextField::show(const std::string& stored) {
+    lastSeen = stored;
+    isEdited = false;
+    const auto next = QString::fromStdString(stored);
+    if (next == text()) return;
+    isShowing = true;
+    setText(next);
+    isShowing = false;
+}
+
+void TextField::leave() {
+    if (isEdited) show(binding.get());
+}
+
+void TextField::focusOutEvent(QFocusEvent* event) {
+    QLineEdit::focusOutEvent(event);
+    const auto reason = event->reason();
+    if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) leave();
+}
+
+void TextField::hideEvent(QHideEvent* event) {
+    QLineEdit::hideEvent(event);
+    leave();
+}
+
+} // namespace quenthisar
