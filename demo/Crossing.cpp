@@ -40,10 +40,10 @@ bool Crossing::enter(std::chrono::milliseconds limit) {
         hands.moveBy({0, -1});
         return rig.dongle().waitFor(mark, hasMouseReport, oneTry);
     };
-    return retry(attempt, limit) && settle();
+    return retry(attempt, limit) && settle(limit);
 }
 
-bool Crossing::settle() {
+bool Crossing::settle(std::chrono::milliseconds limit) {
     const auto mark = rig.dongle().mark();
     hands.key(chord.front(), true);
     hands.key(chord.front(), false);
@@ -54,7 +54,7 @@ bool Crossing::settle() {
             return report.isKeyboard() && report.isAllUp();
         });
     };
-    return rig.dongle().waitFor(mark, hasKey, 5s);
+    return rig.dongle().waitFor(mark, hasKey, limit);
 }
 
 bool Crossing::hostPointerMoves(std::chrono::milliseconds limit) const {

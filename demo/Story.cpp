@@ -19,6 +19,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
+/// How long what is waited for may take on a busy machine.
+constexpr auto soon = 20s;
+
 const QString words = QStringLiteral("Hello, Target!\nOne keyboard, one mouse: two computers.\n");
 const QString wordsAtHome = QStringLiteral("Back at home.");
 
@@ -75,7 +78,7 @@ private:
         stage.targetDesk.waitFor(
             targetMark,
             [](const QStringList& lines) { return lines.contains(QStringLiteral("wheel 0,120")); },
-            5s);
+            soon);
         const auto lines = stage.targetDesk.since(targetMark);
         isClicked = std::ranges::any_of(
             lines, [](const QString& line) { return line.startsWith(u"button release left"); });
@@ -88,11 +91,11 @@ private:
         isFrozen = stage.host.pointer() == frozenAt;
         hostSaw = inputOf(stage.hostDesk.since(hostMark));
         stage.pressReturnChord();
-        isBack = stage.hostPointerMoves(5s);
+        isBack = stage.hostPointerMoves(soon);
         const auto mark = stage.hostDesk.mark();
         type(wordsAtHome);
         receivedAtHome = waitForText(stage.hostDesk, mark, wordsAtHome);
-        isAllUp = waitUntil([this] { return stage.target.held() == XClient::Held{}; }, 2s);
+        isAllUp = waitUntil([this] { return stage.target.held() == XClient::Held{}; }, soon);
         targetSawAfter = DeskLines::typedText(stage.targetDesk.since(targetMark)) != received;
     }
 
@@ -158,7 +161,7 @@ private:
         const auto isThere = [&](const QStringList& lines) {
             return DeskLines::typedText(lines).size() >= text.size();
         };
-        desk.waitFor(mark, isThere, 5s);
+        desk.waitFor(mark, isThere, soon);
         return DeskLines::typedText(desk.since(mark));
     }
 

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "e2e/StageFixture.h"
+#include "support/Guards.h"
 
 #include <csignal>
-#include <fstream>
-#include <iterator>
 
 namespace quenthisar::e2e {
 
@@ -11,18 +10,6 @@ namespace {
 
 /// The program may be silent for 2 s, and its last sign of life was up to 500 ms ago.
 constexpr auto guardActs = 2500ms;
-
-std::vector<pid_t> childrenOf(pid_t process) {
-    const auto id = std::to_string(process);
-    std::ifstream file("/proc/" + id + "/task/" + id + "/children");
-    return {std::istream_iterator<pid_t>(file), {}};
-}
-
-bool isGuard(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
-    std::string name;
-    return std::getline(file, name) && name == "quenthisar-guar"; // the kernel keeps no more
-}
 
 } // namespace
 
@@ -32,11 +19,13 @@ protected:
     void hang() { stage->rig.quenthisar().signal(SIGSTOP); }
     void goOn() { stage->rig.quenthisar().signal(SIGCONT); }
 
-    std::vector<pid_t> guards() {
-        auto all = childrenOf(stage->rig.quenthisar().pid());
-        std::erase_if(all, [](pid_t child) { return !isGuard(child); });
-        return all;
+    /// The cursor is back last of all: it is gone again when the program has gone on.
+    void expectHostGivenBack() {
+        EXPECT_TRUE(stage->hostPointerMoves(guardActs + atOnce));
+        EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, atOnce));
     }
+
+    std::vector<pid_t> guards() const { return test::guardsOf(stage->rig.quenthisar().pid()); }
 
     void holdKeyAndButton() {
         stage->hands.key(keyCode(u'k'), true);
@@ -48,8 +37,7 @@ protected:
 TEST_F(Hang, GivesTheHostBackAndGoesOnAfterItWithNothingStuck) {
     ASSERT_NO_FATAL_FAILURE(holdKeyAndButton());
     hang();
-    EXPECT_TRUE(stage->hostPointerMoves(guardActs + atOnce));
-    EXPECT_TRUE(stage->hostShowsCursor());
+    expectHostGivenBack();
     EXPECT_TRUE(stage->hostKeyboardWorks(atOnce));
     stage->hands.key(keyCode(u'k'), false);
     stage->hands.button(3, false);
@@ -88,17 +76,25 @@ TEST_F(Hang, IsGuardedAgainAfterTheGuardWasKilled) {
     ASSERT_TRUE(stage->hands.type(QStringLiteral("x"), 0ms));
     ASSERT_TRUE(targetGetsText(QStringLiteral("x")));
     hang();
-    EXPECT_TRUE(stage->hostPointerMoves(guardActs + atOnce));
+    expectHostGivenBack();
     goOn();
     expectTakeover();
 }
 
-TEST_F(Hang, ShorterThanTheGuardsPatienceChangesNothing) {
+TEST_F(Hang, ThatEndsBeforeTheGuardActsChangesNothing) {
+    // However long this test is held up, the guard is held up with it.
+    const auto guard = guards();
+    ASSERT_EQ(guard.size(), 1U);
+    ::kill(guard.front(), SIGSTOP);
     hang();
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("Late"), 0ms));
+    ASSERT_TRUE(stage->hands.type(QStringLiteral("La"), 0ms));
     EXPECT_EQ(inputOnHost(), QStringList{});
     goOn();
+    EXPECT_TRUE(targetGetsText(QStringLiteral("La")));
+    // By now its sign of life is out, too.
+    ASSERT_TRUE(stage->hands.type(QStringLiteral("te"), 0ms));
     EXPECT_TRUE(targetGetsText(QStringLiteral("Late")));
+    ::kill(guard.front(), SIGCONT);
     expectTakeover();
 }
 

@@ -29,10 +29,9 @@ TEST_F(LockedSession, BelongsToItsLockerWithNothingHeldOnTheTarget) {
     stage->hands.button(3, false);
     EXPECT_TRUE(stage->hostPointerMoves(soon));
     EXPECT_TRUE(stage->hostKeyboardWorks(soon));
-    EXPECT_TRUE(stage->hostShowsCursor());
+    EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
 
     logind->setLockedHint(false);
-    EXPECT_TRUE(waitUntil([&] { return !stage->hostShowsCursor(); }, soon));
     expectTakeover();
 }
 
@@ -52,7 +51,6 @@ TEST_F(LockedSession, IsGivenUpAsSoonAsALockIsDemandedOrSleepIsNear) {
     logind->emitPrepareForSleep(true);
     EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
     logind->emitPrepareForSleep(false);
-    EXPECT_TRUE(waitUntil([&] { return !stage->hostShowsCursor(); }, soon));
     expectTakeover();
 }
 

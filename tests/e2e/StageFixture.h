@@ -16,7 +16,7 @@ using demo::ReportLine;
 using demo::waitUntil;
 
 /// How long something may take that happens at once; generous, for a busy machine.
-constexpr auto atOnce = 2s;
+constexpr auto atOnce = 10s;
 constexpr auto soon = 20s;
 
 /// A stage of its own for each test, in a takeover when the test begins.
@@ -97,6 +97,8 @@ protected:
 
     /// The takeover is on: what is typed at the host arrives at the target only, until the chord.
     void expectTakeover() {
+        // Only once the input is held is it safe to type.
+        ASSERT_TRUE(waitUntil([&] { return !stage->hostShowsCursor(); }, soon));
         markNow();
         ASSERT_TRUE(stage->hands.type(QStringLiteral("On again"), 0ms));
         EXPECT_TRUE(targetGetsText(QStringLiteral("On again")));
