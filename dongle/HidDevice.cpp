@@ -45,6 +45,8 @@ void HidDevice::keyboard(const KeyboardReport& report) {
     for (const auto usage : report.usages)
         if (const auto code = keyCode(usage)) wantedKeys.push_back(*code);
     changeKeys(keys, wantedKeys);
+    // All keys up lets go of a media key, too: a host need not know of it.
+    if (report == KeyboardReport{}) consumer({});
 }
 
 void HidDevice::mouse(const MouseReport& report) {
@@ -75,9 +77,8 @@ void HidDevice::apply(const Report& report) {
 }
 
 void HidDevice::releaseAll() {
-    keyboard({});
+    keyboard({}); // media keys, too
     mouse({});
-    consumer({});
     sink.flush();
 }
 

@@ -16,6 +16,7 @@ struct Probe {};
 struct KeyboardReport {
     std::uint8_t modifiers = 0;           // bit 0 Control, 1 Shift, 2 Alt, 3 GUI, all left
     std::array<std::uint8_t, 6> usages{}; // Keyboard/Keypad page; 0 for none
+    bool operator==(const KeyboardReport&) const = default;
 };
 
 struct MouseReport {

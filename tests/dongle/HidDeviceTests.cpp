@@ -70,12 +70,20 @@ TEST_F(HidDeviceTest, HoldsOneMediaKeyAtATime) {
     EXPECT_EQ(apply(ConsumerReport{}), "-115 ");
 }
 
+TEST_F(HidDeviceTest, LetsGoOfAMediaKeyWhenAllKeysAreUp) {
+    apply(KeyboardReport{control, {0x04}});
+    apply(ConsumerReport{0xE9});
+    EXPECT_EQ(apply(KeyboardReport{control, {}}), "-30 ");
+    EXPECT_EQ(apply(KeyboardReport{}), "-29 -115 ");
+    EXPECT_EQ(apply(ConsumerReport{}), "");
+}
+
 TEST_F(HidDeviceTest, ReleasesEverythingOnce) {
     apply(KeyboardReport{control, {0x04, 0x05}});
     apply(MouseReport{.buttons = 5});
     apply(ConsumerReport{0xCD});
     device.releaseAll();
-    EXPECT_EQ(sink.take(), "-29 -30 -48 -button1 -button2 -164 ");
+    EXPECT_EQ(sink.take(), "-29 -30 -48 -164 -button1 -button2 ");
     device.releaseAll();
     EXPECT_EQ(sink.take(), "");
 }
