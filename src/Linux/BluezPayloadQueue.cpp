@@ -49,6 +49,17 @@ void BluezPayloadQueue::pop() {
     entries.pop_front();
 }
 
+BluezPayloadQueue::Entry BluezPayloadQueue::take() {
+    const auto entry = entries.front();
+    pop();
+    return entry;
+}
+
+void BluezPayloadQueue::putBack(const Entry& entry) {
+    if (entry.pureMotion) ++motions;
+    entries.push_front(entry);
+}
+
 void BluezPayloadQueue::clear() {
     entries.clear();
     motions = 0;

@@ -33,13 +33,16 @@ public:
     void pop();
     void clear();
 
-private:
     struct Entry {
         Payload payload;
         Clock::time_point since;
         bool pureMotion;
     };
+    /// Takes the front out, perhaps to put it back there.
+    Entry take();
+    void putBack(const Entry& entry);
 
+private:
     void dropOldestMotion();
 
     std::deque<Entry> entries;

@@ -150,13 +150,18 @@ void BluezPayloadWriter::sendCommand() {
     queue.dropStale(BluezPayloadQueue::Clock::now());
     if (queue.empty()) return;
     commandUnderWay = true;
+    const auto entry = queue.take();
     daemon.call(QString::fromStdString(target.handle), Bluez::gattCharacteristic, u"WriteValue"_s,
-                writeArguments(queue.front(), u"command"_s), BluezDaemon::Limit::none,
-                guard.bind([this](const QDBusMessage&) {
+                writeArguments(entry.payload, u"command"_s), BluezDaemon::Limit::none,
+                guard.bind([this, entry](const QDBusMessage& reply) {
                     commandUnderWay = false;
+                    if (isTaken(reply) && way == Way::commands) {
+                        queue.putBack(entry);
+                        waitForOthers();
+                        return;
+                    }
                     flush();
                 }));
-    queue.pop();
 }
 
 void BluezPayloadWriter::closeDescriptor() {

@@ -76,17 +76,20 @@ public:
     QStringList calls;
     QVariantMap filter; // of the last SetDiscoveryFilter
     std::set<QString> unanswered, refused;
+    QString refusal = u"org.bluez.Error.Failed"_s;
+    QList<QByteArray> written; // by WriteValue, not refused
 
 private:
     bool answer(const QDBusMessage& call) {
         calls += call.path() + u' ' + call.member();
         if (unanswered.contains(call.member())) return true;
         if (refused.contains(call.member())) {
-            tree.fail(call, u"org.bluez.Error.Failed"_s, u"no"_s);
+            tree.fail(call, refusal, u"no"_s);
             return true;
         }
         if (call.member() == u"SetDiscoveryFilter")
             filter = qdbus_cast<QVariantMap>(call.arguments().value(0));
+        if (call.member() == u"WriteValue") written += call.arguments().value(0).toByteArray();
         if (call.member() == u"StartDiscovery")
             tree.set(call.path(), adapterInterface, u"Discovering"_s, true);
         tree.reply(call);

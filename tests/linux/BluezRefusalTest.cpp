@@ -82,6 +82,27 @@ TEST(BluezRefusal, WorksWithoutAnAgentAndEndsItsLinkWhateverTheDaemonSays) {
     EXPECT_EQ(user.peripheral->state(), PeripheralState::disconnected);
 }
 
+TEST(BluezRefusal, WritesWhatWasRefusedWhileAnotherProgramHadTheDescriptor) {
+    RefusingDaemon far; // it hands out no descriptor
+    CentralUser user(far.stage.connect());
+    user.makeReady();
+    user.send(Report::allKeysUp());
+    ASSERT_TRUE(waitUntil([&] { return far.daemon.written.size() == 2; }));
+    far.daemon.refusal = u"org.bluez.Error.NotPermitted"_s;
+    far.daemon.refused = {u"WriteValue"_s, u"AcquireWrite"_s};
+    far.daemon.written.clear();
+    far.daemon.calls.clear();
+    const std::vector<Payload> keys{Report::keyboard(0, std::vector<std::uint8_t>{4}),
+                                    Report::allKeysUp()};
+    for (const auto& key : keys) user.send(key);
+    ASSERT_TRUE(far.daemon.waitForCall(far.device + u"/service0001/char0002 AcquireWrite"_s));
+    far.daemon.refused = {};
+    EXPECT_TRUE(waitUntil([&] { return far.daemon.written.size() == 2; }));
+    for (qsizetype i = 0; i < far.daemon.written.size(); ++i)
+        EXPECT_EQ(far.daemon.written[i].toHex().toStdString(),
+                  hex(keys[static_cast<std::size_t>(i)]));
+}
+
 /// Bluetooth devices choose their own names and services, and daemons differ.
 TEST(BluezRefusal, IgnoresWhatMakesNoSense) {
     BluezStage stage(BluezStage::Daemon::none);
