@@ -4,13 +4,22 @@
 #include <systemd/sd-bus.h>
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdlib>
 
 namespace quenthisar::guard {
 
 namespace {
 
-constexpr std::uint64_t answerLimit = 5'000'000; // us; the daemon takes 2.1 to 2.6 s
+using Clock = std::chrono::steady_clock;
+using std::chrono::microseconds;
+
+constexpr std::chrono::seconds answerLimit{5}; // the daemon takes 2.1 to 2.6 s
+
+int countAnswer(sd_bus_message* /*answer*/, void* waiting, sd_bus_error* /*error*/) {
+    --*static_cast<std::size_t*>(waiting);
+    return 0;
+}
 
 } // namespace
 
@@ -34,12 +43,21 @@ void XRescue::killClient(std::uint32_t resource) {
     std::free(xcb_request_check(connection, cookie));
 }
 
-void disconnectDongle(const std::string& path) {
+void disconnectDongles(const std::vector<std::string>& paths) {
     sd_bus* bus = nullptr;
-    if (sd_bus_open_system(&bus) < 0) return;
-    sd_bus_set_method_call_timeout(bus, answerLimit);
-    sd_bus_call_method(bus, "org.bluez", path.c_str(), "org.bluez.Device1", "Disconnect", nullptr,
-                       nullptr, "");
+    if (paths.empty() || sd_bus_open_system(&bus) < 0) return;
+    std::size_t waiting = 0;
+    for (const auto& path : paths)
+        if (sd_bus_call_method_async(bus, nullptr, "org.bluez", path.c_str(), "org.bluez.Device1",
+                                     "Disconnect", countAnswer, &waiting, "") >= 0)
+            ++waiting;
+    const auto end = Clock::now() + answerLimit;
+    for (auto now = Clock::now(); waiting > 0 && now < end; now = Clock::now()) {
+        const int done = sd_bus_process(bus, nullptr);
+        if (done < 0) break;
+        if (done == 0)
+            sd_bus_wait(bus, static_cast<std::uint64_t>(ceil<microseconds>(end - now).count()));
+    }
     sd_bus_flush_close_unref(bus);
 }
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <vector>
 
 struct xcb_connection_t;
 
@@ -28,8 +28,8 @@ private:
     xcb_connection_t* connection = nullptr;
 };
 
-/// Asks the Bluetooth daemon to end the link to the device at `path`, and waits for its answer, a
-/// few seconds at most. The dongle then releases all that is held on its target.
-void disconnectDongle(const std::string& path);
+/// Asks the Bluetooth daemon to end the links to the devices at `paths`, all at once, and waits for
+/// its answers, a few seconds at most. The dongles then release all that is held on their targets.
+void disconnectDongles(const std::vector<std::string>& paths);
 
 } // namespace quenthisar::guard

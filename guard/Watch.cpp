@@ -10,11 +10,16 @@ void Watch::take(std::string_view message, Clock::time_point now) {
     const auto blank = message.find(' ');
     if (blank == std::string_view::npos) return;
     std::uint32_t number = 0;
-    const auto* const end = message.data() + blank;
-    const auto [stop, error] = std::from_chars(message.data(), end, number);
-    if (error != std::errc{} || stop != end) return;
+    const auto* const last = message.data() + blank;
+    const auto [stop, error] = std::from_chars(message.data(), last, number);
+    if (error != std::errc{} || stop != last) return;
     resource = number;
-    path = message.substr(blank + 1);
+    paths.clear();
+    message.remove_prefix(blank + 1);
+    for (auto end = message.find(' '); end != std::string_view::npos; end = message.find(' ')) {
+        paths.emplace_back(message.substr(0, end));
+        message.remove_prefix(end + 1);
+    }
     due.reset();
     graceGiven = false;
     if (resource != 0) due = now + silence;

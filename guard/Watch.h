@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quenthisar::guard {
 
@@ -21,8 +22,8 @@ public:
     static constexpr std::chrono::milliseconds grace{250};
 
     /// A message is a sign of life and says all there is to know: an X resource of the connection
-    /// that holds the session's input (0: none does), a blank, and the Bluetooth daemon's object
-    /// of the dongle that gets the input (empty: none).
+    /// that holds the session's input (0: none does), a blank, and the Bluetooth daemon's objects
+    /// of the dongles on whose targets something may be held, with a blank after each.
     void take(std::string_view message, Clock::time_point now);
 
     /// When to look again; none while nothing holds the input.
@@ -30,12 +31,11 @@ public:
     /// To be called at the deadline: the resource whose connection is to be closed, once.
     std::optional<std::uint32_t> expired(Clock::time_point now);
 
-    /// The dongle that gets the input, empty for none.
-    const std::string& dongle() const { return path; }
+    const std::vector<std::string>& dongles() const { return paths; }
 
 private:
     std::uint32_t resource = 0;
-    std::string path;
+    std::vector<std::string> paths;
     std::optional<Clock::time_point> due;
     bool graceGiven = false;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The guard: gives the desktop back when the program hangs while it holds the session's input, and
-// releases the target when it dies. The program starts it, with a socket as its standard input.
+// releases the targets when it dies. The program starts it, with a socket as its standard input.
 #include "Rescue.h"
 #include "Watch.h"
 
@@ -28,7 +28,7 @@ int waitFor(const Watch& watch) {
 
 /// False when the program has ended.
 bool takeMessage(Watch& watch) {
-    std::array<char, 512> buffer{};
+    std::array<char, 4096> buffer{};
     const auto length = ::recv(STDIN_FILENO, buffer.data(), buffer.size(), 0);
     if (length < 0) return errno == EINTR;
     if (length == 0) return false;
@@ -51,6 +51,6 @@ int main() {
         if (ready > 0 && !takeMessage(watch)) break;
         if (const auto resource = watch.expired(Watch::Clock::now())) server.killClient(*resource);
     }
-    if (!watch.dongle().empty()) disconnectDongle(watch.dongle());
+    disconnectDongles(watch.dongles());
     return 0;
 }

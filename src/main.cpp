@@ -34,6 +34,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -135,6 +136,13 @@ int main(int, char** argv) {
     XCursor cursor(input);
     X11AccessibilityTrust trust;
     BluezCentral central;
+    // In a takeover or out of it: text and chords are typed at any time, and what is written takes
+    // a while to arrive.
+    central.onLinks([&guard](const QStringList& objectPaths) {
+        std::vector<std::string> dongles;
+        for (const auto& path : objectPaths) dongles.push_back(path.toStdString());
+        guard.setDongles(std::move(dongles));
+    });
     AutostartItem loginItem(AutostartItem::standardPath(), QApplication::applicationFilePath());
     SpawnLauncher launcher;
     XHotkeys hotkeys(input);
@@ -145,12 +153,6 @@ int main(int, char** argv) {
     AppDelegate delegate({queue, defaults, displays, taps, cursor, trust, central, loginItem,
                           launcher, log, hotkeys, panels, pasteboard, typingQueue});
     delegate.applicationDidFinishLaunching();
-    const auto guarded =
-        delegate.state.takeover.subscribe([&](const std::optional<Takeover>& takeover) {
-            const auto path = takeover ? central.objectPath(takeover->dongleID) : QString();
-            // At the end of the program the guard stays until the release is out.
-            if (takeover || running) guard.setDongle(path.toStdString());
-        });
     const SessionLock lock([&input](bool isLocked) { input.setDeaf(isLocked); });
     running = delegate.eventTap.get();
     std::atexit(releaseTarget);
@@ -162,6 +164,7 @@ int main(int, char** argv) {
     // A profile's chord may wait for its release.
     for (const auto& dongle : *delegate.state.dongles)
         delegate.dongleManager->send(Report::allKeysUp(), dongle.id);
-    if (central.drain(lastWrites)) guard.setDongle({});
+    // The daemon keeps the links for the next start, unless something may still be held.
+    if (central.drain(lastWrites)) guard.setDongles({});
     return result;
 }

@@ -253,6 +253,7 @@ void BluezCentral::cancelConnection(const PeripheralPtr& peripheral) {
 void BluezCentral::linkUp(BluezPeripheral& peripheral) {
     const auto holder = shared(peripheral);
     const bool renamed = peripheral.sighting.linked();
+    reportLinks();
     if (delegate) delegate->didConnect(holder);
     if (renamed) discover(holder);
 }
@@ -265,12 +266,16 @@ void BluezCentral::linkFailed(BluezPeripheral& peripheral, const CentralError& e
 void BluezCentral::linkDown(BluezPeripheral& peripheral, const CentralError& error) {
     const auto end = error ? BluezSighting::End::byFailure : BluezSighting::End::byUs;
     peripheral.sighting.ended(end, BluezSighting::Clock::now());
+    reportLinks();
     if (delegate) delegate->didDisconnect(shared(peripheral), error);
 }
 
-QString BluezCentral::objectPath(const Uuid& identifier) const {
-    const auto entry = peripherals.find(identifier);
-    return entry != peripherals.end() ? entry->second->path() : QString();
+void BluezCentral::reportLinks() {
+    QStringList now;
+    for (const auto& [id, peripheral] : peripherals)
+        if (peripheral->isLinked()) now += peripheral->path();
+    now.sort();
+    if (std::exchange(links, now) != now && linksObserver) linksObserver(links);
 }
 
 bool BluezCentral::drain(std::chrono::milliseconds limit) {

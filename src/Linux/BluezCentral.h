@@ -10,7 +10,10 @@
 
 #include <QDBusConnection>
 
+#include <QStringList>
+
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -31,8 +34,10 @@ public:
     void connect(const PeripheralPtr& peripheral) override;
     void cancelConnection(const PeripheralPtr& peripheral) override;
 
-    /// The daemon's object of a discovered peripheral, empty for none.
-    QString objectPath(const Uuid& identifier) const;
+    /// Gets the daemon's objects of the peripherals that are linked, in order, when they change;
+    /// before anything is written to a new one, and not before the link of an old one has ended.
+    using LinksObserver = std::function<void(const QStringList& objectPaths)>;
+    void onLinks(LinksObserver observer) { linksObserver = std::move(observer); }
 
     /// Waits, blocking, until the daemon has taken everything that was written, at most `limit`;
     /// false if it has not.
@@ -67,6 +72,7 @@ private:
     void sign(const QString& path, const QVariantMap& device);
     void discover(const BluezPeripheralPtr& peripheral);
     BluezPeripheralPtr shared(const BluezPeripheral& peripheral) const;
+    void reportLinks();
 
     BluezDaemon daemon;
     BluezAgent agent;
@@ -75,6 +81,8 @@ private:
     CentralState currentState = CentralState::unknown;
     QString adapter; // the path of the one that counts; empty for none
     std::optional<Uuid> scannedService;
+    LinksObserver linksObserver;
+    QStringList links;
     std::unordered_map<Uuid, BluezPeripheralPtr> peripherals;
     WeakGuard guard;
 };

@@ -57,6 +57,11 @@ public:
     void cancel();
 
     const QString& path() const { return devicePath; }
+    /// From `linkUp` to `linkDown`.
+    bool isLinked() const {
+        return currentState == PeripheralState::connected ||
+               currentState == PeripheralState::disconnecting;
+    }
     /// Whether a write with response is under way, which may make the daemon pair.
     bool awaitsAnswer() const;
     bool isDrained() const;

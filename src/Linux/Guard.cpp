@@ -56,7 +56,8 @@ Guard::~Guard() {
 void Guard::start() {
     std::array<int, 2> ends{};
     if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return;
-    process = spawn(guardProgram(), ends[1]);
+    if (const auto process = spawn(guardProgram(), ends[1]); process > 0)
+        processes.push_back(process);
     ::close(ends[1]);
     channel = ends[0];
 }
@@ -64,41 +65,51 @@ void Guard::start() {
 /// Without its channel the guard ends by itself, if it has not done so.
 void Guard::stop() {
     if (channel >= 0) ::close(std::exchange(channel, -1));
-    if (process > 0) ::waitpid(std::exchange(process, 0), nullptr, WNOHANG);
+    reap();
+}
+
+/// One that is ended loses its channel first, and can be reaped only some time later.
+void Guard::reap() {
+    std::erase_if(processes, [](pid_t each) { return ::waitpid(each, nullptr, WNOHANG) != 0; });
 }
 
 void Guard::setInputHolder(std::uint32_t resource) {
-    if (std::exchange(holder, resource) == resource) return;
-    if (!heartbeat) {
-        heartbeat.emplace();
-        QObject::connect(&*heartbeat, &QTimer::timeout, &*heartbeat, [this] { report(); });
-    }
-    if (holder != 0)
-        heartbeat->start(interval);
-    else
-        heartbeat->stop();
-    report();
+    if (std::exchange(holder, resource) != resource) report();
 }
 
-void Guard::setDongle(std::string objectPath) {
-    if (objectPath == dongle) return;
-    dongle = std::move(objectPath);
+void Guard::setDongles(std::vector<std::string> objectPaths) {
+    if (objectPaths == dongles) return;
+    dongles = std::move(objectPaths);
     report();
 }
 
 void Guard::report() {
-    const auto message = std::to_string(holder) + ' ' + dongle;
-    if (send(message)) return;
-    // It was ended from outside.
-    stop();
-    start();
-    send(message);
+    auto message = std::to_string(holder) + ' ';
+    for (const auto& dongle : dongles) message += dongle + ' ';
+    auto delivery = send(message);
+    if (delivery == Delivery::gone) {
+        stop();
+        start();
+        delivery = send(message);
+    }
+    told = delivery == Delivery::taken;
+    reap();
+
+    if (!heartbeat) {
+        heartbeat.emplace();
+        QObject::connect(&*heartbeat, &QTimer::timeout, &*heartbeat, [this] { report(); });
+    }
+    // What a guard that is stopped now was not told must not be what it acts on later.
+    if (holder == 0 && delivery != Delivery::full)
+        heartbeat->stop();
+    else if (!heartbeat->isActive())
+        heartbeat->start(interval);
 }
 
-/// True too when the guard does not read at the moment: the next message says all of it again.
-bool Guard::send(const std::string& message) const {
-    return ::send(channel, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0 ||
-           errno == EAGAIN || errno == ENOBUFS;
+Guard::Delivery Guard::send(const std::string& message) const {
+    if (::send(channel, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
+        return Delivery::taken;
+    return errno == EAGAIN || errno == ENOBUFS ? Delivery::full : Delivery::gone;
 }
 
 } // namespace quenthisar

@@ -7,11 +7,12 @@
 #include <optional>
 #include <string>
 #include <sys/types.h>
+#include <vector>
 
 namespace quenthisar {
 
 /// The process that gives the desktop back when this one hangs while it holds the session's input,
-/// and has the dongle released when this one dies. Main thread; without it everything else works.
+/// and has the dongles released when this one dies. Main thread; without it everything else works.
 class Guard {
 public:
     /// Starts the process, to be done before anything else is opened. Needs no event loop yet.
@@ -23,19 +24,27 @@ public:
     /// A resource of the X connection that holds the session's input, or 0. From now on the main
     /// loop is watched, or no more.
     void setInputHolder(std::uint32_t resource);
-    /// The Bluetooth daemon's object of the dongle that gets the input, empty for none.
-    void setDongle(std::string objectPath);
+    /// The Bluetooth daemon's objects of the dongles on whose targets something may be held.
+    void setDongles(std::vector<std::string> objectPaths);
+
+    /// Whether the process was told the latest; if not, it is told again each 500 ms.
+    bool isToldAll() const { return told; }
 
 private:
     void start();
     void stop();
+    /// `full`: it doesn't read at the moment. `gone`: it was ended from outside.
+    enum class Delivery { taken, full, gone };
+
     void report();
-    bool send(const std::string& message) const;
+    void reap();
+    Delivery send(const std::string& message) const;
 
     int channel = -1;
-    pid_t process = 0;
+    std::vector<pid_t> processes; // the latest, and those before it that are still to be reaped
     std::uint32_t holder = 0;
-    std::string dongle;
+    std::vector<std::string> dongles;
+    bool told = true;
     std::optional<QTimer> heartbeat; // a timer needs an application
 };
 

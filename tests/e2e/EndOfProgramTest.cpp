@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "demo/SelectionOwner.h"
 #include "e2e/StageFixture.h"
 
 #include <csignal>
@@ -21,19 +22,22 @@ void PrintTo(const EndCase& end, std::ostream* out) {
 
 } // namespace
 
-/// The program ends in the middle of a takeover, with a key and a button down.
-class EndOfProgram : public StageFixture, public testing::WithParamInterface<EndCase> {
+class EndFixture : public StageFixture {
 protected:
-    bool linkEnds() {
-        return waitUntil(
-            [&] {
-                return !stage->rig.dongle()
-                            .since(dongleMark)
-                            .filter(QStringLiteral("disconnected host"))
-                            .isEmpty();
+    bool linkEndsWithin(std::chrono::milliseconds limit) {
+        return stage->rig.dongle().waitFor(
+            dongleMark,
+            [](const QStringList& lines) {
+                return !lines.filter(QStringLiteral("disconnected host")).isEmpty();
             },
-            GetParam().endsLink ? soon : 0ms);
+            limit);
     }
+};
+
+/// The program ends in the middle of a takeover, with a key and a button down.
+class EndOfProgram : public EndFixture, public testing::WithParamInterface<EndCase> {
+protected:
+    bool linkEnds() { return linkEndsWithin(GetParam().endsLink ? soon : 0ms); }
 };
 
 TEST_P(EndOfProgram, GivesTheHostBackAndReleasesTheTarget) {
@@ -70,6 +74,26 @@ TEST_P(EndOfProgram, LeavesNothingBehindThatTheNextStartWouldMeet) {
     markNow();
     ASSERT_TRUE(stage->hands.type(QStringLiteral("Again"), 0ms));
     EXPECT_TRUE(targetGetsText(QStringLiteral("Again")));
+}
+
+using KilledProgram = EndFixture;
+
+TEST_F(KilledProgram, LeavesNothingDownOfTheTextThatItTyped) {
+    stage->pressReturnChord();
+    ASSERT_TRUE(stage->hostPointerMoves(atOnce));
+    const demo::SelectionOwner clipboard{QString(2000, u'A'), stage->hostDisplay()};
+    ASSERT_NO_FATAL_FAILURE(markNow());
+    auto chord = demo::returnChord(stage->host);
+    chord += keyCode(u'v');
+    stage->hands.chord(chord);
+    ASSERT_TRUE(dongleGets([](const auto& all) {
+        return std::ranges::any_of(
+            all, [](const ReportLine& line) { return line.isKeyboard() && !line.isAllUp(); });
+    }));
+    stage->rig.quenthisar().signal(SIGKILL);
+    ASSERT_TRUE(stage->rig.quenthisar().waitForEnd(atOnce));
+    EXPECT_TRUE(linkEndsWithin(soon));
+    EXPECT_TRUE(nothingIsHeldOnTarget());
 }
 
 using LossOfTheServer = StageFixture;

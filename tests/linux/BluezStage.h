@@ -69,6 +69,7 @@ public:
 
     void startDaemon();
     void endBus() { bus.reset(); }
+    QString busAddress() const { return bus->address(); }
     /// A fault, by the name of its method.
     void ask(const QString& method, const QVariantList& arguments = {});
     /// A new connection to the bus, as another program has.
