@@ -39,15 +39,16 @@ TEST_F(GuardProcess, EndsAllLinksThatItWasToldOfWhenTheProgramEnds) {
 TEST_F(GuardProcess, IsToldTheLatestThoughItWasStoppedMeanwhile) {
     std::optional<Guard> guard(std::in_place);
     const auto processes = test::guardsOf(::getpid());
-    ASSERT_EQ(processes.size(), 1U);
-    ::kill(processes.front(), SIGSTOP);
+    ASSERT_FALSE(processes.empty());
+    const auto process = processes.back(); // earlier ones may be about to end
+    ::kill(process, SIGSTOP);
     // More than the socket holds.
     for (std::uint32_t resource = 1; guard->isToldAll() && resource < 100'000; ++resource)
         guard->setInputHolder(resource);
     guard->setDongles({links.front().toStdString()});
     guard->setInputHolder(0);
     ASSERT_FALSE(guard->isToldAll());
-    ::kill(processes.front(), SIGCONT);
+    ::kill(process, SIGCONT);
     EXPECT_TRUE(waitUntil([&] { return guard->isToldAll(); }));
     guard.reset();
     EXPECT_TRUE(stage.waitForFarEnd(u"disconnected host"_s));
