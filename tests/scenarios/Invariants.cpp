@@ -14,6 +14,7 @@ namespace {
 
 constexpr std::uint64_t returnChord =
     EventFlags::control | EventFlags::option | EventFlags::command;
+constexpr std::chrono::milliseconds perCharacter{74}, panelTime{2600}, panelFade{300};
 constexpr std::array<int, 10> wiggle{25, 15, 0, -15, -25, -25, -15, 0, 15, 25};
 
 bool isMotion(EventType type) {
@@ -21,10 +22,31 @@ bool isMotion(EventType type) {
            type == EventType::rightMouseDragged || type == EventType::otherMouseDragged;
 }
 
-Payload chordPayload(std::uint8_t modifiers, std::uint8_t usage) {
+Payload keyPayload(std::uint8_t modifiers, std::uint8_t usage) {
     Payload payload{1, modifiers};
     payload[9] = usage;
     return payload;
+}
+
+/// Nothing for a text that is no chord; of the others, histories have these.
+std::optional<Payload> chordPayload(std::string_view text) {
+    if (text == "cmd+l") return keyPayload(8, 0x0F);
+    if (text == "ctrl+alt+delete") return keyPayload(5, 0x2A);
+    return std::nullopt;
+}
+
+/// The presses that type a text of letters, spaces and one accent; all else in it is left out.
+std::vector<Payload> presses(std::string_view text) {
+    std::vector<Payload> result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        const auto usage = [&](char first) { return static_cast<std::uint8_t>(4 + c - first); };
+        if (c >= 'a' && c <= 'z') result.push_back(keyPayload(0, usage('a')));
+        if (c >= 'A' && c <= 'Z') result.push_back(keyPayload(2, usage('A')));
+        if (c == ' ') result.push_back(keyPayload(0, 0x2C));
+        if (text.substr(i).starts_with("\u00E9")) result.push_back(keyPayload(0, 8));
+    }
+    return result;
 }
 
 template <class Value>
@@ -58,6 +80,7 @@ std::string_view inWords(Invariant invariant) {
     case Invariant::aProfileIsActive: return "one of the profiles is active";
     case Invariant::donglesAreOnlyAppended: return "dongles are only appended";
     case Invariant::settingsAreStored: return "settings are stored";
+    case Invariant::panelsFollowTakeovers: return "a panel is there for 2.6 s of a takeover";
     }
     return {};
 }
@@ -87,20 +110,53 @@ void Invariants::perform(const Step& step, World& w) {
 void Invariants::announce(const Step& step) {
     static const auto chord = Steps::command("chord TEXT DONGLE");
     static const auto identify = Steps::command("identify DONGLE");
+    static const auto type = Steps::command("hotkey V");
     const auto now = world->clock.now();
     const auto dongle = static_cast<std::size_t>(step.numbers[0]);
     if (step.command == chord) {
-        const auto& text = step.texts[0];
-        if (text != "cmd+l" && text != "ctrl+alt+delete") return; // no chord
-        announced.push_back(
-            {now, dongle, text == "cmd+l" ? chordPayload(8, 0x0F) : chordPayload(5, 0x2A)});
-        announced.push_back(
-            {now + std::chrono::milliseconds{50}, dongle, chordPayload(0, 0), true});
+        announceChord(step.texts[0], dongle);
     } else if (step.command == identify) {
         for (std::size_t k = 1; k <= 30; ++k)
             announced.push_back({now + k * std::chrono::milliseconds{20}, dongle,
                                  Report::mouse({.dx = wiggle.at((k - 1) % 10)})});
+    } else if (step.command == type) {
+        announceTyping();
     }
+}
+
+void Invariants::announceChord(const std::string& text, std::size_t dongle) {
+    const auto payload = chordPayload(text);
+    if (!payload) return;
+    const auto now = world->clock.now();
+    announced.push_back({now, dongle, *payload});
+    announced.push_back({now + std::chrono::milliseconds{50}, dongle, keyPayload(0, 0), true});
+}
+
+void Invariants::announceTyping() {
+    auto when = world->clock.now();
+    const auto dongle = clipboardTarget();
+    if (when < typingUntil || !dongle) return;
+    for (const auto& press : presses(world->pasteboard.text.value_or(""))) {
+        announced.push_back({when, *dongle, press, false, true});
+        announced.push_back({when, *dongle, keyPayload(0, 0), false, true});
+        when += perCharacter;
+    }
+    typingUntil = when;
+}
+
+std::optional<std::size_t> Invariants::clipboardTarget() const {
+    const auto& state = world->state();
+    if (const auto& takeover = *state.takeover) return World::index(takeover->dongleID);
+    std::optional<std::size_t> first;
+    for (const auto& dongle : *state.dongles) {
+        if (dongle.state != DongleConnectionState::connected) continue;
+        const auto index = World::index(dongle.id);
+        for (const auto& profile : *state.profiles)
+            for (const auto& [edge, bound] : profile.bindings)
+                if (bound == dongle.id) return index;
+        if (!first) first = index;
+    }
+    return first;
 }
 
 bool Invariants::wasAnnounced(std::size_t dongle, const Payload& payload) {
@@ -109,8 +165,24 @@ bool Invariants::wasAnnounced(std::size_t dongle, const Payload& payload) {
         return a.when == now && a.dongle == dongle && a.payload == payload;
     });
     if (it == announced.end()) return false;
+    seen.typed += it->isTyped;
     announced.erase(it);
     return true;
+}
+
+/// Its chord goes to the first of its dongles that is there.
+void Invariants::profileWillBe(const Uuid& id) {
+    if (!world) return;
+    const auto& state = world->state();
+    const auto profile = std::ranges::find(*state.profiles, id, &Profile::id);
+    if (profile == state.profiles->end() || profile->targetCommand.empty()) return;
+    for (const auto& dongle : *state.dongles) {
+        const bool isBound = std::ranges::any_of(
+            profile->bindings, [&](const auto& binding) { return binding.second == dongle.id; });
+        if (!isBound || dongle.state != DongleConnectionState::connected) continue;
+        ++seen.profileChords;
+        return announceChord(profile->targetCommand, World::index(dongle.id));
+    }
 }
 
 void Invariants::linkLost(const Uuid& id) {
@@ -156,6 +228,15 @@ void Invariants::wrote(const Write& write) {
 void Invariants::takeoverWillBe(const std::optional<Takeover>& next) {
     if (!world) return;
     const auto& state = world->state();
+    const auto now = world->clock.now();
+    if (next && *state.hudEnabled) {
+        // It replaces one that is not fading yet.
+        if (panelUntil <= now) fadesUntil = std::max(fadesUntil, panelUntil + panelFade);
+        panelUntil = now + panelTime;
+        ++seen.panels;
+    } else if (panelUntil > now) {
+        panelUntil = now;
+    }
     if (!next) {
         const bool chord = posting && event.type == EventType::flagsChanged &&
                            (event.flags & returnChord) == returnChord;
@@ -279,7 +360,16 @@ void Invariants::checkState() {
                 Invariant::donglesAreOnlyAppended, "twice");
         listed.push_back(dongles[i].id);
     }
+    checkPanels();
     if (!world->defaults.writes.empty()) compareAllThatIsStored();
+}
+
+void Invariants::checkPanels() {
+    const auto now = world->clock.now();
+    const int shown = world->panels.shown();
+    require(shown > 0 || now >= panelUntil, Invariant::panelsFollowTakeovers, "it is not there");
+    require(shown == 0 || now < panelUntil + panelFade || now < fadesUntil,
+            Invariant::panelsFollowTakeovers, "it is still there");
 }
 
 void Invariants::compareAllThatIsStored() {
@@ -289,6 +379,7 @@ void Invariants::compareAllThatIsStored() {
         require(holds, Invariant::settingsAreStored, key);
     };
     stores(valueOf<bool>(defaults, "cornerSlam") == *state.cornerSlam, "cornerSlam");
+    stores(valueOf<bool>(defaults, "hudEnabled") == *state.hudEnabled, "hudEnabled");
     stores(valueOf<bool>(defaults, "autoConnect") == *state.autoConnect, "autoConnect");
     stores(valueOf<bool>(defaults, "allowSharedEdges") == *state.allowSharedEdges,
            "allowSharedEdges");

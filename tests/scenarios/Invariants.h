@@ -33,6 +33,7 @@ enum class Invariant {
     aProfileIsActive,
     donglesAreOnlyAppended,
     settingsAreStored,
+    panelsFollowTakeovers,
 };
 
 std::string_view inWords(Invariant invariant);
@@ -61,6 +62,8 @@ public:
         std::size_t crossings = 0, otherTakeovers = 0; // by a move; by the menu or a hotkey
         std::size_t chords = 0, pushes = 0, stops = 0; // the ends of takeovers
         std::int64_t payloads = 0;                     // for events
+        std::int64_t typed = 0;                        // payloads of clipboard typing
+        std::size_t profileChords = 0, panels = 0;
 
         void operator+=(const Sights& more) {
             crossings += more.crossings;
@@ -69,6 +72,9 @@ public:
             pushes += more.pushes;
             stops += more.stops;
             payloads += more.payloads;
+            typed += more.typed;
+            profileChords += more.profileChords;
+            panels += more.panels;
         }
     };
     Sights seen;
@@ -76,12 +82,13 @@ public:
 private:
     using Time = VirtualClock::Nanoseconds;
 
-    /// A payload that the clock or the user's chord sends, not the tap.
+    /// A payload that the clock, the user's chord or the clipboard sends, not the tap.
     struct Announced {
         Time when;
         std::size_t dongle;
         Payload payload;
         bool isChordRelease = false;
+        bool isTyped = false;
     };
 
     /// Of the motion through one takeover since something last made its sum inexact.
@@ -96,12 +103,17 @@ private:
     void posted(const TapEvent& event, TapVerdict verdict) override;
     void wrote(const Write& write) override;
     void takeoverWillBe(const std::optional<Takeover>& next) override;
+    void profileWillBe(const Uuid& id) override;
     void linkLost(const Uuid& id) override;
 
     void announce(const Step& step);
+    void announceChord(const std::string& text, std::size_t dongle);
+    void announceTyping();
+    std::optional<std::size_t> clipboardTarget() const;
     bool wasAnnounced(std::size_t dongle, const Payload& payload);
     void checkMotion(const TapEvent& event, std::size_t dongle);
     void checkState();
+    void checkPanels();
     void require(bool holds, Invariant invariant, const std::string& detail);
     double factor(std::size_t dongle) const;
     bool isReady(std::size_t dongle) const;
@@ -125,6 +137,10 @@ private:
     std::array<Axis, 2> axes;
     double axesFactor = 1;
     bool mustReArm = false;
+
+    Time typingUntil{-1}; // what is asked for before is ignored
+    Time panelUntil{-1},
+        fadesUntil{-1}; // the panel begins to fade; the latest one before it is gone
 };
 
 } // namespace quenthisar

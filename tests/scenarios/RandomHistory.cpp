@@ -26,6 +26,10 @@ public:
                 .texts = {std::move(text)}};
     }
 
+    Step withTexts(std::string first, std::string second) const {
+        return {.command = command, .texts = {std::move(first), std::move(second)}};
+    }
+
 private:
     std::size_t command;
 };
@@ -43,15 +47,22 @@ const Kind screen{"screen TEXT NUMBER NUMBER NUMBER NUMBER"}, unplug{"unplug TEX
     identify{"identify DONGLE"}, takeOver{"take over DONGLE"}, chord{"chord TEXT DONGLE"},
     bind{"bind TEXT DONGLE"}, unbind{"unbind TEXT"}, addProfile{"profile TEXT"},
     switchTo{"switch TEXT"}, deleteProfile{"delete TEXT"}, nickname{"nickname DONGLE TEXT"},
-    sensitivity{"sensitivity DONGLE NUMBER"}, set{"set SETTING SWITCH"};
+    sensitivity{"sensitivity DONGLE NUMBER"}, set{"set SETTING SWITCH"}, hotkeyV{"hotkey V"},
+    hotkey{"hotkey NUMBER"}, hotkeyShift{"hotkey shift NUMBER"}, clipboard{"clipboard TEXT"},
+    sends{"profile TEXT sends TEXT"};
 
-constexpr double control = 59, option = 58, command = 55;
+constexpr double control = 59, option = 58, command = 55, shift = 56;
+constexpr std::array chordTexts{"cmd+l", "ctrl+alt+delete", "cmd+nonsense"};
 
 } // namespace
 
 std::string HistoryMaker::bindingPlace() {
     const auto edge = allEdges.at(below(allEdges.size()));
     return bindingKey(edge, "D" + std::to_string(1 + below(3)));
+}
+
+std::string HistoryMaker::chordText() {
+    return chordTexts.at(below(chordTexts.size()));
 }
 
 Step HistoryMaker::next(World& world) {
@@ -64,8 +75,34 @@ Step HistoryMaker::next(World& world) {
     if (chance(4)) return advance(between(1, 60) / 1000);
     if (chance(3)) return air();
     if (chance(3)) return edit(world);
+    if (chance(1)) return shell(world);
     if (!*state.captureEnabled && chance(30)) return capture(1);
     return *state.takeover ? remoteInput() : localInput(world);
+}
+
+/// What the user does without the pointer: copies, presses hotkeys. In a takeover the keys of a
+/// hotkey first return.
+Step HistoryMaker::shell(World& world) {
+    constexpr std::array pieces{"a", "Z", " ", "\u00E9", "\u20AC", "typed"};
+    if (chance(20)) {
+        std::string text;
+        for (auto count = below(6); count > 0; --count) text += pieces.at(below(pieces.size()));
+        return clipboard.with(text);
+    }
+    if (chance(20)) {
+        const auto& profiles = *world.state().profiles;
+        return sends.withTexts(profiles.at(below(profiles.size())).name, chordText());
+    }
+    if (chance(15)) return hotkeyV(); // as the menu's item: nothing else is pressed
+    const bool isShifted = chance(30);
+    std::vector<double> keys{control, option, command};
+    if (isShifted) keys.push_back(shift);
+    for (const auto code : keys) planned.push_back(key(1, code));
+    planned.push_back(chance(50) ? hotkeyV() : (isShifted ? hotkeyShift : hotkey)(between(1, 4)));
+    if (chance(50)) planned.push_back(advance(0.074 * between(0, 3)));
+    for (const auto code : keys)
+        if (chance(80)) planned.push_back(key(0, code));
+    return advance(0.02);
 }
 
 Step HistoryMaker::localInput(World& world) {
@@ -142,7 +179,7 @@ Step HistoryMaker::moveToAnEdge(World& world) {
 
 Step HistoryMaker::edit(World& world) {
     constexpr std::array factors{0.1, 0.25, 0.5, 1.0, 1.0, 1.5, 2.0, 3.3};
-    constexpr std::array toggled{0, 1, 4}; // cornerSlam, autoConnect, allowSharedEdges
+    constexpr std::array toggled{0, 1, 3, 4}; // all but autoCapture
     switch (below(14)) {
     case 0:
     case 1:
@@ -164,7 +201,6 @@ Step HistoryMaker::edit(World& world) {
 }
 
 Step HistoryMaker::air() {
-    constexpr std::array chords{"cmd+l", "ctrl+alt+delete", "cmd+nonsense"};
     switch (below(18)) {
     case 0:
     case 1: return drop(dongle());
@@ -181,7 +217,7 @@ Step HistoryMaker::air() {
     case 12: return probeAnswered(dongle());
     case 13: return identify(dongle());
     case 14:
-    case 15: return chord.with(chords.at(below(chords.size())), dongle());
+    case 15: return chord.with(chordText(), dongle());
     case 16: return timeOutTap();
     default: return advance(chance(80) ? 1.0 : 31.0);
     }

@@ -29,6 +29,7 @@ private:
     Step localInput(World& world);
     Step remoteInput();
     Step anyInput();
+    Step shell(World& world);
     Step edit(World& world);
     Step air();
     Step moveToAnEdge(World& world);
@@ -40,6 +41,7 @@ private:
     }
     double dongle() { return static_cast<double>(below(3)); }
     std::string bindingPlace();
+    std::string chordText();
     std::string profileName() { return "P" + std::to_string(below(4)); }
 
     std::mt19937_64 random;

@@ -39,7 +39,8 @@ TEST(RandomHistories, KeepEveryInvariant) {
     std::cout << "seeds from " << first << ": " << seen.crossings << " crossings, "
               << seen.otherTakeovers << " other takeovers, ended by " << seen.chords << " chords, "
               << seen.pushes << " pushes and " << seen.stops << " stops, " << seen.payloads
-              << " payloads\n";
+              << " payloads; " << seen.typed << " typed payloads, " << seen.profileChords
+              << " chords of profiles, " << seen.panels << " panels\n";
     if (events < 100'000) return;
     // Or the invariants had nothing to watch.
     EXPECT_GT(seen.crossings, events / 400);
@@ -48,6 +49,9 @@ TEST(RandomHistories, KeepEveryInvariant) {
     EXPECT_GT(seen.pushes, events / 4'000);
     EXPECT_GT(seen.stops, events / 4'000);
     EXPECT_GT(seen.payloads, static_cast<std::int64_t>(events / 4));
+    EXPECT_GT(seen.typed, static_cast<std::int64_t>(events / 400));
+    EXPECT_GT(seen.profileChords, events / 20'000);
+    EXPECT_GT(seen.panels, events / 400);
 }
 
 TEST(RandomHistories, AFaultIsShrunkToTheScenarioThatShowsIt) {

@@ -7,10 +7,12 @@
 #include "UI/HUDView.h"
 #include "support/VirtualClock.h"
 
-#include <algorithm>
 #include <deque>
+#include <functional>
+#include <memory>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -78,30 +80,29 @@ public:
     bool isGoing = false;
 };
 
+class FakePanels;
+
 /// A panel that does what it is told at once, but for its animations, which take their time.
 class FakePanel final : public Panel {
 public:
-    FakePanel(VirtualClock& virtualClock, Size fitting) : clock(virtualClock), size(fitting) {}
+    FakePanel(FakePanels& factory, HUDView content) : panels(factory), view(std::move(content)) {}
 
-    Size fittingSize() const override { return size; }
+    Size fittingSize() const override;
     void setFrameOrigin(Point next) override { origin = next; }
     void setAlpha(double next) override { alpha = next; }
-    void orderFrontRegardless() override { isShown = true; }
-    void orderOut() override { isShown = false; }
-    void animateAlpha(double next, Seconds duration, std::function<void()> completion) override {
-        fades.emplace_back(next, duration);
-        clock.after(duration, [this, next, done = std::move(completion)] {
-            alpha = next;
-            if (done) done();
-        });
-    }
+    void orderFrontRegardless() override { show(true); }
+    void orderOut() override { show(false); }
+    void animateAlpha(double next, Seconds duration, std::function<void()> completion) override;
 
-    VirtualClock& clock;
-    Size size;
+    FakePanels& panels;
+    const HUDView view;
     Point origin;
     double alpha = 1;
     bool isShown = false;
     std::vector<std::pair<double, Seconds>> fades;
+
+private:
+    void show(bool next);
 };
 
 class FakePanels final : public HUDPanels {
@@ -110,18 +111,47 @@ public:
 
     std::shared_ptr<Panel> create(const HUDView& view) override {
         views.push_back(view);
-        made.push_back(std::make_shared<FakePanel>(clock, size));
+        made.push_back(std::make_shared<FakePanel>(*this, view));
         return made.back();
     }
-    int shown() const {
-        return static_cast<int>(
-            std::ranges::count_if(made, [](const auto& panel) { return panel->isShown; }));
-    }
+    int shown() const { return onScreen; }
 
     VirtualClock& clock;
     Size size{300, 90};
     std::vector<HUDView> views;
     std::vector<std::shared_ptr<FakePanel>> made;
+    /// Called when a panel comes or goes, and when it begins to fade.
+    std::function<void(const FakePanel&, std::string_view what)> onChange;
+
+private:
+    friend FakePanel;
+    void changed(const FakePanel& panel, std::string_view what) const {
+        if (onChange) onChange(panel, what);
+    }
+
+    int onScreen = 0;
 };
+
+inline Size FakePanel::fittingSize() const {
+    return panels.size;
+}
+
+inline void FakePanel::show(bool next) {
+    if (std::exchange(isShown, next) == next) return;
+    panels.onScreen += next ? 1 : -1;
+    panels.changed(*this, next ? "comes" : "goes");
+}
+
+inline void FakePanel::animateAlpha(double next, Seconds duration,
+                                    std::function<void()> completion) {
+    fades.emplace_back(next, duration);
+    panels.changed(*this, next > 0 ? "fades in" : "fades out");
+    const auto number = fades.size();
+    panels.clock.after(duration, [this, number, next, done = std::move(completion)] {
+        if (number != fades.size()) return; // another one has begun
+        alpha = next;
+        if (done) done();
+    });
+}
 
 } // namespace quenthisar

@@ -20,6 +20,9 @@ std::int64_t whole(double number) {
     return static_cast<std::int64_t>(number);
 }
 
+constexpr std::uint32_t hotkeyModifiers =
+    HotkeyModifiers::control | HotkeyModifiers::option | HotkeyModifiers::command;
+
 std::array<Published<bool>*, 5> settings(AppState& state) {
     return {&state.cornerSlam, &state.autoConnect, &state.autoCapture, &state.hudEnabled,
             &state.allowSharedEdges};
@@ -51,6 +54,13 @@ void setHook(World& w, const Step& s) {
     w.state().updateProfile(w.profile(s.texts[0]), [&](Profile& profile) {
         (s.numbers[0] != 0 ? profile.activateCommand : profile.deactivateCommand) = s.texts[1];
     });
+}
+
+/// Of the digit's key on the main keyboard; n counts from 1.
+void pressDigitHotkey(World& w, std::size_t n, std::uint32_t moreModifiers) {
+    constexpr std::array<std::uint32_t, 9> keyCodes{18, 19, 20, 21, 23, 22, 26, 28, 25};
+    if (n >= 1 && n <= keyCodes.size())
+        w.pressHotkey(keyCodes.at(n - 1), hotkeyModifiers | moreModifiers);
 }
 
 void advance(World& w, double seconds) {
@@ -121,7 +131,15 @@ constexpr auto commands = std::to_array<Command>({
          w.central.setPower(static_cast<CentralState>(count(s.numbers[0])));
      }},
 
-    // The user and the user's settings.
+    // The user and the user's settings. A hotkey's modifiers are input, above.
+    {"hotkey V", [](World& w, const Step&) { w.pressHotkey(9, hotkeyModifiers); }},
+    {"hotkey NUMBER", [](World& w, const Step& s) { pressDigitHotkey(w, count(s.numbers[0]), 0); }},
+    {"hotkey shift NUMBER",
+     [](World& w, const Step& s) {
+         pressDigitHotkey(w, count(s.numbers[0]), HotkeyModifiers::shift);
+     }},
+    {"clipboard TEXT", [](World& w, const Step& s) { w.pasteboard.text = s.texts[0]; }},
+    {"watch panels", [](World& w, const Step&) { w.watchPanels(); }},
     {"connect DONGLE",
      [](World& w, const Step& s) {
          w.core().manager.connect(World::dongleID(count(s.numbers[0])));
@@ -149,6 +167,11 @@ constexpr auto commands = std::to_array<Command>({
     {"unbind TEXT", [](World& w, const Step& s) { setBinding(w, s.texts[0], std::nullopt); }},
     {"profile TEXT", [](World& w, const Step& s) { w.state().addProfile(s.texts[0]); }},
     {"profile TEXT HOOK TEXT", setHook},
+    {"profile TEXT sends TEXT",
+     [](World& w, const Step& s) {
+         w.state().updateProfile(w.profile(s.texts[0]),
+                                 [&](Profile& profile) { profile.targetCommand = s.texts[1]; });
+     }},
     {"switch TEXT",
      [](World& w, const Step& s) { w.state().switchProfile(w.profile(s.texts[0])); }},
     {"delete TEXT",

@@ -23,6 +23,7 @@ public:
     virtual void requested(std::string_view, const Uuid&) {}
     /// The field still holds the takeover before.
     virtual void takeoverWillBe(const std::optional<Takeover>&) {}
+    virtual void profileWillBe(const Uuid&) {}
     virtual void linkLost(const Uuid&) {}
     /// All of the above but input and payloads, and everything else, in words.
     virtual void happened(const std::string&) {}

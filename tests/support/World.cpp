@@ -4,6 +4,7 @@
 #include "Capture/TargetMacro.h"
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 
 namespace quenthisar {
@@ -45,10 +46,8 @@ std::string inWords(const std::optional<Takeover>& takeover) {
 
 } // namespace
 
-World::Core::Core(World& world)
-    : state(world.defaults, world.displays, world.loginItem, world, world),
-      manager(state, world.central, world.clock, world),
-      controller(state, manager, world.taps, world) {}
+World::Core::Core(AppDelegate& launched)
+    : state(launched.state), manager(*launched.dongleManager), controller(*launched.eventTap) {}
 
 World::World(Witness& w) : witness(w) {
     central.onWrite = [this](const Write& write) {
@@ -68,7 +67,9 @@ World::World(Witness& w) : witness(w) {
     };
 }
 
-World::~World() = default;
+World::~World() {
+    typing.end(); // as the program does: a run may be under way
+}
 
 const Uuid& World::dongleID(std::size_t dongle) {
     static const auto ids = [] {
@@ -97,7 +98,10 @@ std::string World::dongleName(const Uuid& id) {
 World::Core& World::core() {
     if (made) return *made;
     if (plugged.empty()) plug("D1", {0, 0, 1920, 1080});
-    made = std::make_unique<Core>(*this);
+    delegate.emplace(Ports{clock, defaults, displays, taps, *this, trust, central, loginItem, *this,
+                           *this, hotkeys, panels, pasteboard, typing});
+    delegate->applicationDidFinishLaunching();
+    made.emplace(*delegate);
     clock.settle();
     made->controller.start();
     defaults.writes.clear();
@@ -125,6 +129,7 @@ void World::subscribe() {
     });
     keep(state.activeProfileID, [this, &state](const Uuid& id) {
         const auto it = std::ranges::find(*state.profiles, id, &Profile::id);
+        witness.profileWillBe(id);
         witness.happened("profile " + (it == state.profiles->end() ? "unknown" : it->name));
     });
     keep(state.dongles, [this, &state](const std::vector<Dongle>& next) {
@@ -161,7 +166,7 @@ void World::arrangeDisplays() {
     displays.list.clear();
     displays.uuids.clear();
     for (const auto& [uuid, frame] : plugged) displays.add(uuid, frame);
-    if (made) made->state.screens = ScreenLayout::current(displays);
+    if (made) displays.changed();
 }
 
 void World::post(const TapEvent& event) {
@@ -281,6 +286,21 @@ void World::answerProbe(const Uuid& id, const std::optional<std::string>& error)
 Uuid World::profile(const std::string& name) {
     const auto it = std::ranges::find(*state().profiles, name, &Profile::name);
     return it != state().profiles->end() ? it->id : Uuid{};
+}
+
+void World::pressHotkey(std::uint32_t keyCode, std::uint32_t modifiers) {
+    core();
+    hotkeys.press(keyCode, modifiers);
+}
+
+void World::watchPanels() {
+    panels.onChange = [this](const FakePanel& panel, std::string_view what) {
+        auto line = "panel " + quoted(panel.view.target) + ' ' + std::string{what};
+        if (what == "comes")
+            line += " at " + std::to_string(std::lround(panel.origin.x)) + ' ' +
+                    std::to_string(std::lround(panel.origin.y));
+        witness.happened(line);
+    };
 }
 
 void World::sendChord(std::string_view text, std::size_t dongle) {

@@ -1,13 +1,15 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Capture/EventTapController.h"
+#include "AppDelegate.h"
 #include "support/FakeCentral.h"
 #include "support/FakeDisplays.h"
 #include "support/FakeEventTaps.h"
 #include "support/FakeHost.h"
+#include "support/FakeShell.h"
 #include "support/FakeUserDefaults.h"
 #include "support/VirtualClock.h"
+#include "support/VirtualThread.h"
 #include "support/Witness.h"
 
 #include <array>
@@ -23,8 +25,8 @@
 
 namespace quenthisar {
 
-/// The whole core with a fake behind every port: a host with its displays and its input, and six
-/// dongles, A to F, somewhere in the air. The core is made when something first needs it, with
+/// The whole application with a fake behind every port: a host with its displays and its input, and
+/// six dongles, A to F, somewhere in the air. It is launched when something first needs it, with
 /// capture on. Tells a witness what comes of what a test does.
 class World : Cursor, ProcessLauncher, SystemLog {
 public:
@@ -42,10 +44,10 @@ public:
     static std::string dongleName(const Uuid& id);
 
     struct Core {
-        Core(World& world);
-        AppState state;
-        DongleManager manager;
-        EventTapController controller;
+        explicit Core(AppDelegate& launched);
+        AppState& state;
+        DongleManager& manager;
+        EventTapController& controller;
     };
     Core& core();
     AppState& state() { return core().state; }
@@ -75,6 +77,11 @@ public:
     /// From now on; answers a probe that waits, too.
     void answerProbes(std::size_t dongle, const std::optional<std::string>& error);
 
+    /// A hotkey, by its key and modifiers; those of its keys are events of their own.
+    void pressHotkey(std::uint32_t keyCode, std::uint32_t modifiers);
+    /// From now on tells the witness what the panels do.
+    void watchPanels();
+
     /// As a profile's own chord is sent.
     void sendChord(std::string_view text, std::size_t dongle);
     /// Tells the witness which settings were written since it was last asked.
@@ -89,6 +96,9 @@ public:
     FakeCentral central{clock};
     FakeLoginItemService loginItem;
     FakeEventTaps taps;
+    FakeHotkeyService hotkeys;
+    FakePanels panels{clock};
+    FakePasteboard pasteboard;
     bool cursorFrozen = false;
     int cursorHidden = 0; // hides less shows
 
@@ -113,7 +123,10 @@ private:
     Point cursor;
     std::array<bool, 3> buttons{};
     std::uint64_t heldModifiers = 0; // by host key code
-    std::unique_ptr<Core> made;
+    FakeAccessibilityTrust trust;
+    VirtualThread typing{clock};
+    std::optional<AppDelegate> delegate;
+    std::optional<Core> made;
     std::vector<Subscription> subscriptions;
 };
 
