@@ -6,6 +6,7 @@
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SystemLog.h"
 
+#include <deque>
 #include <functional>
 #include <string>
 #include <utility>
@@ -15,11 +16,21 @@ namespace quenthisar {
 
 class FakeAccessibilityTrust final : public AccessibilityTrust {
 public:
-    bool isProcessTrusted() override { return trusted; }
-    void prompt() override { ++prompts; }
+    bool isProcessTrusted() override {
+        if (answers.empty()) return trusted;
+        const bool answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+    void prompt() override {
+        ++prompts;
+        if (onPrompt) onPrompt();
+    }
 
     bool trusted = true;
+    std::deque<bool> answers; // before that
     int prompts = 0;
+    std::function<void()> onPrompt;
 };
 
 /// A login item that registers at once, or fails, or awaits the user's approval.

@@ -38,13 +38,19 @@ struct AppDelegateFixture {
     std::map<Uuid, std::shared_ptr<FakePeripheral>> dongles;
     std::optional<AppDelegate> delegate;
 
-    void launch(bool autoCapture = true) {
+    void create(bool autoCapture = true) {
         defaults.store("autoCapture", autoCapture);
         displays.add("D1", {0, 0, 1920, 1080});
         delegate.emplace(Ports{clock, defaults, displays, taps, taps, trust, central, loginItem,
                                launcher, log, hotkeys, panels, pasteboard, typing});
+    }
+    void finishLaunching() {
         delegate->applicationDidFinishLaunching();
         clock.settle();
+    }
+    void launch(bool autoCapture = true) {
+        create(autoCapture);
+        finishLaunching();
     }
     AppState& state() { return delegate->state; }
     bool captures() { return *state().captureEnabled; }

@@ -33,16 +33,42 @@ TEST(AppDelegate, CapturesOnceTrustIsGrantedAndNotBefore) {
     EXPECT_TRUE(f.captures());
 }
 
-TEST(AppDelegate, PublishesTrustOnlyWhenItChanges) {
+TEST(AppDelegate, AsksForTrustAgainBeforeItCaptures) {
     Fixture f;
-    f.launch(false);
-    int assignments = -1; // the subscription delivers the current value
-    const auto stream = f.delegate->state.axTrusted.subscribe([&](bool) { ++assignments; });
-    f.clock.advance(5s);
-    EXPECT_EQ(assignments, 0);
+    f.trust.answers = {false, true, true}; // granted in the middle of the launch
+    f.launch();
+    EXPECT_FALSE(*f.state().axTrusted);
+    EXPECT_TRUE(f.captures());
+    f.clock.advance(1s);
+    EXPECT_TRUE(*f.state().axTrusted);
+}
+
+TEST(AppDelegate, TriesToCaptureByItselfOnlyOnceEvenIfThatFails) {
+    Fixture f;
+    f.trust.answers = {true, true, false}; // withdrawn in the middle of the launch
+    f.trust.onPrompt = [&] { f.clock.advance(3s); };
+    f.launch();
+    f.clock.advance(3s);
+    EXPECT_EQ(f.trust.prompts, 1);
+    EXPECT_FALSE(f.captures());
+}
+
+TEST(AppDelegate, PublishesTrustAtLaunchAndThenOnlyWhenItChanges) {
+    Fixture f;
     f.trust.trusted = false;
+    f.create(false);
+    int assignments = -1; // the subscription delivers the current value
+    const auto stream = f.state().axTrusted.subscribe([&](bool) { ++assignments; });
+    f.finishLaunching();
+    EXPECT_EQ(assignments, 1) << "the same as before";
     f.clock.advance(5s);
     EXPECT_EQ(assignments, 1);
+    f.trust.trusted = true;
+    f.clock.advance(5s);
+    EXPECT_EQ(assignments, 2);
+    f.trust.trusted = false;
+    f.clock.advance(5s);
+    EXPECT_EQ(assignments, 3);
     EXPECT_FALSE(*f.delegate->state.axTrusted);
     EXPECT_FALSE(f.captures());
 }

@@ -35,8 +35,15 @@ TEST(Hotkeys, AreNineteenInATableWithIdsInItsOrder) {
         expectAt(2 * n + 1, {digit[n], chordAndShift});
     }
     EXPECT_EQ(f.hotkeys.registered.size(), 18U);
-    f.hotkeys.handler({.id = 10}); // what has no handler does nothing
+
+    // What has no handler does nothing, and the others are unaffected.
+    for (const auto* name : {"2", "3", "4", "5", "6"}) f.state().addProfile(name);
+    f.hotkeys.press(digit[6], chord);
+    f.hotkeys.handler({.id = 10});
     f.hotkeys.handler({.id = 99});
+    EXPECT_EQ(f.state().activeProfile().name, "6");
+    f.hotkeys.handler({.id = 8});
+    EXPECT_EQ(f.state().activeProfile().name, "4");
 }
 
 TEST(Hotkeys, SwitchProfilesByTheirPlace) {
@@ -224,6 +231,14 @@ TEST(TakeoverObserver, ShowsAndHidesThePanelAfterTheAssignment) {
     f.clock.settle();
     ASSERT_EQ(f.panels.made.size(), 3U);
     EXPECT_EQ(f.panels.made[2]->fades.back(), (std::pair<double, Seconds>{0, 300ms}));
+}
+
+TEST(TakeoverObserver, DoesNotSkipWhatIsThereAtLaunch) {
+    Fixture f;
+    f.create();
+    f.state().takeover = Takeover{A, std::nullopt, std::nullopt};
+    f.finishLaunching();
+    EXPECT_EQ(f.panels.shown(), 1);
 }
 
 TEST(TakeoverObserver, PlacesThePanelInsideTheCrossedEdge) {

@@ -72,12 +72,18 @@ TEST(TakeoverHUD, CountsAsHiddenWhileItFades) {
 
 TEST(TakeoverHUD, LeavesNothingBehindThatCallsIt) {
     Fixture f;
-    {
-        TakeoverHUD hud{f.clock, f.displays, f.panels};
-        hud.show({}, std::nullopt, 1s);
-    }
+    std::optional<TakeoverHUD> hud{std::in_place, f.clock, f.displays, f.panels};
+    hud->show({}, std::nullopt, 1s);
+    hud.reset();
     f.clock.advance(5s);
-    EXPECT_EQ(f.panel(0).fades.size(), 1U);
+    EXPECT_EQ(f.panel(0).fades.size(), 1U) << "the automatic end";
+
+    hud.emplace(f.clock, f.displays, f.panels);
+    hud->show({}, std::nullopt, 1s);
+    hud->hide(true);
+    hud.reset();
+    f.clock.advance(5s);
+    EXPECT_TRUE(f.panel(1).isShown) << "the end of the fade";
 }
 
 struct Place {
