@@ -6,6 +6,7 @@
 #include "Narrator.h"
 #include "Picture.h"
 #include "ReportLine.h"
+#include "SelectionOwner.h"
 #include "Stage.h"
 
 #include <QThread>
@@ -22,6 +23,8 @@ using namespace std::chrono_literals;
 /// How long what is waited for may take on a busy machine.
 constexpr auto soon = 20s;
 
+const QString copied = QStringLiteral("Copied: d\u00E9j\u00E0 vu\u2026\n");
+const QString typedOfIt = QStringLiteral("Copied: deja vu...\n");
 const QString words = QStringLiteral("Hello, Target!\nOne keyboard, one mouse: two computers.\n");
 const QString wordsAtHome = QStringLiteral("Back at home.");
 
@@ -38,6 +41,7 @@ public:
 
     bool play() {
         connect();
+        typeClipboard();
         cross();
         typeWords();
         takePicture();
@@ -52,6 +56,29 @@ private:
         stage.rig.startProgram();
     }
 
+    void typeClipboard() {
+        narrator.begin(QStringLiteral("Control, Option, Command and V: the host's clipboard is "
+                                      "typed on the target: ") +
+                       shown(copied));
+        hostMark = stage.hostDesk.mark();
+        targetMark = stage.targetDesk.mark();
+        const SelectionOwner clipboard(copied, stage.hostDisplay());
+        auto keys = returnChord(stage.host);
+        if (const auto v = stage.host.strokeFor(u'v')) keys += v->keyCode;
+        for (const auto key : keys) {
+            stage.hands.key(key, true);
+            pause(40); // as fingers do
+        }
+        for (const auto key : keys) stage.hands.key(key, false);
+        const auto isThere = [this] {
+            stage.rig.dongle().mark(); // prints what arrived
+            pasted = DeskLines::typedText(stage.targetDesk.since(targetMark));
+            return pasted.size() >= typedOfIt.size();
+        };
+        waitUntil(isThere, 10s);
+        isPastedAtHome = !DeskLines::typedText(stage.hostDesk.since(hostMark)).isEmpty();
+    }
+
     void cross() {
         narrator.begin(QStringLiteral("The pointer crosses the right edge of the host's screen"));
         glide(stage.hands, {18, 1}, 30);
@@ -59,6 +86,8 @@ private:
         hostMark = stage.hostDesk.mark();
         targetMark = stage.targetDesk.mark();
         frozenAt = stage.host.pointer();
+        isPanelShown = waitUntil(
+            [this] { return !stage.host.windowsWith("_NET_WM_WINDOW_OPACITY").isEmpty(); }, 2s);
         glide(stage.hands, {-22, 9}, 12);
     }
 
@@ -106,6 +135,9 @@ private:
             isGood = isGood && good;
             narrator.finding(good, QString::fromLatin1(what), value);
         };
+        find(pasted == typedOfIt && !isPastedAtHome, "typed from the clipboard", shown(pasted));
+        find(isPanelShown, "the panel on the host",
+             isPanelShown ? QStringLiteral("shown") : QStringLiteral("not shown"));
         find(received == words, "the target received", shown(received));
         find(hostSaw.isEmpty(), "the host received of it",
              hostSaw.isEmpty() ? QStringLiteral("nothing") : hostSaw.join(QStringLiteral(", ")));
@@ -129,8 +161,8 @@ private:
         const Shot host{stage.host.picture(), QStringLiteral("Host")};
         const Shot target{stage.target.picture(), QStringLiteral("Target")};
         if (host.image.isNull() || target.image.isNull()) return;
-        const auto caption = QStringLiteral("In a takeover: typed on the host's keyboard, received "
-                                            "by the target through its dongle");
+        const auto caption = QStringLiteral("In a takeover: what is copied and typed on the host, "
+                                            "the target receives through its dongle");
         isPictured = sideBySide(host, target, caption).save(picturePath);
     }
 
@@ -177,11 +209,12 @@ private:
     Stage stage;
     qsizetype hostMark = 0, targetMark = 0;
     std::optional<QPoint> frozenAt;
-    QString received, receivedAtHome;
+    QString pasted, received, receivedAtHome;
     QStringList hostSaw;
     QPoint moved;
-    bool isClicked = false, isScrolled = false, isFrozen = false, isBack = false, isAllUp = false,
-         targetSawAfter = false, isPictured = false;
+    bool isPastedAtHome = false, isPanelShown = false, isClicked = false, isScrolled = false,
+         isFrozen = false, isBack = false, isAllUp = false, targetSawAfter = false,
+         isPictured = false;
 };
 
 } // namespace

@@ -5,10 +5,11 @@
 
 namespace quenthisar::demo {
 
-/// Plays one takeover on a stage of its own: across the bound edge, words typed on the target, the
-/// pointer moved, clicked and scrolled there, and back. Tells of each step and of each report, and
-/// saves a picture of both screens to `picture` when the words stand on the target. True only if
-/// the target got what was typed, the host got none of it, and nothing stayed down.
+/// Plays on a stage of its own: the clipboard typed on the target, then one takeover: across the
+/// bound edge, words typed there, the pointer moved, clicked and scrolled, and back. Tells of each
+/// step and of each report, and saves a picture of both screens to `picture` when the words stand
+/// on the target. True only if the target got what was copied and typed, the host got none of it
+/// and showed its panel, and nothing stayed down.
 /// Throws std::runtime_error if the play can't go on.
 bool playStory(const Programs& programs, const QString& picture);
 

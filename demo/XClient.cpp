@@ -97,6 +97,27 @@ QImage XClient::picture() const {
         .copy();
 }
 
+QList<xcb_window_t> XClient::windowsWith(std::string_view property) const {
+    const auto name = atom(property);
+    const Reply<xcb_query_tree_reply_t> tree{
+        xcb_query_tree_reply(get(), xcb_query_tree(get(), root()), nullptr)};
+    QList<xcb_window_t> result;
+    for (int i = 0; tree && i < xcb_query_tree_children_length(tree.get()); ++i) {
+        const auto window = xcb_query_tree_children(tree.get())[i];
+        const auto stateCookie = xcb_get_window_attributes(get(), window);
+        const auto valueCookie =
+            xcb_get_property(get(), 0, window, name, XCB_GET_PROPERTY_TYPE_ANY, 0, 0);
+        const Reply<xcb_get_window_attributes_reply_t> state{
+            xcb_get_window_attributes_reply(get(), stateCookie, nullptr)};
+        const Reply<xcb_get_property_reply_t> value{
+            xcb_get_property_reply(get(), valueCookie, nullptr)};
+        if (state && state->map_state == XCB_MAP_STATE_VIEWABLE && value &&
+            value->type != XCB_ATOM_NONE)
+            result += window;
+    }
+    return result;
+}
+
 xcb_atom_t XClient::atom(std::string_view name) const {
     const Reply<xcb_intern_atom_reply_t> reply{xcb_intern_atom_reply(
         get(), xcb_intern_atom(get(), 0, static_cast<std::uint16_t>(name.size()), name.data()),

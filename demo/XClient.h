@@ -50,6 +50,8 @@ public:
     /// The key that bears a key symbol (X11's keysyms) unshifted.
     std::optional<std::uint8_t> keyCodeOf(std::uint32_t keySymbol) const;
 
+    /// Those on screen, not inside any other, that have the property; in their stacking order.
+    QList<xcb_window_t> windowsWith(std::string_view property) const;
     /// None (0) if the server went away.
     xcb_atom_t atom(std::string_view name) const;
     /// The whole screen; a null image if it can't be taken.
