@@ -65,8 +65,8 @@ ChildProcess::Environment Rig::environment() const {
 }
 
 std::unique_ptr<ChildProcess> Rig::startOnceMore() const {
-    return std::make_unique<ChildProcess>(options.programs.quenthisar, QStringList{},
-                                          environment());
+    return std::make_unique<ChildProcess>(options.programs.quenthisar, QStringList{}, environment(),
+                                          options.programErrors);
 }
 
 void Rig::startProgram() {

@@ -27,6 +27,8 @@ public:
         bool cornerSlam = false;
         /// False on somebody's own desktop: the program gets its session as it is.
         bool ownSession = true;
+        /// The file that the program's standard error goes to; where empty, this one's.
+        QString programErrors{};
         ChildProcess::LineHandler onDongleLine{};
         /// How long the dongle's lines wait to be written together.
         std::chrono::milliseconds lineDelay{0};
@@ -46,6 +48,7 @@ public:
     Recorder& dongle() { return dongleProgram; }
     /// Only after `startProgram`.
     ChildProcess& quenthisar() { return *program; }
+    QString configurationFolder() const { return folder.path(); }
     QString displayUuid() const { return boundDisplay; }
     /// Where the dongle can be asked for faults, and whoever else the program should find.
     QString systemBusAddress() const { return systemBus.address(); }

@@ -23,6 +23,7 @@ Stage::Stage(const Options& options)
            .hostDisplay = hostServer.display(),
            .targetDisplay = targetServer.display(),
            .cornerSlam = options.cornerSlam,
+           .programErrors = options.programErrors,
            .onDongleLine = options.onDongleLine}),
       crossing(host, rig) {
     host.switchOffAcceleration();

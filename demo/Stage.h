@@ -15,6 +15,7 @@ public:
     struct Options {
         Programs programs;
         bool cornerSlam = false;
+        QString programErrors{}; // as in `Rig`
         ChildProcess::LineHandler onDongleLine{};
     };
 

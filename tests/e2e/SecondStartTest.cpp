@@ -2,7 +2,6 @@
 #include "e2e/StageFixture.h"
 
 #include <memory>
-#include <sys/resource.h>
 #include <vector>
 
 namespace quenthisar::e2e {
@@ -35,24 +34,6 @@ TEST_F(SecondStart, LeavesExactlyOneOfTwentyAtOnce) {
     ASSERT_TRUE(stage->cross(soon)) << "the one that is left works";
     EXPECT_EQ(runningAmong(programs), 1);
     for (const auto& each : programs) EXPECT_EQ(each->waitForEnd(0ms).value_or(0), 0);
-}
-
-class Privacy : public StageFixture {
-protected:
-    void SetUp() override {
-        // What the program inherits.
-        rlimit limit{};
-        ASSERT_EQ(::getrlimit(RLIMIT_CORE, &limit), 0);
-        limit.rlim_cur = limit.rlim_max;
-        ASSERT_EQ(::setrlimit(RLIMIT_CORE, &limit), 0);
-        StageFixture::SetUp();
-    }
-};
-
-TEST_F(Privacy, WritesNoCoreDump) {
-    rlimit limit{RLIM_INFINITY, RLIM_INFINITY};
-    ASSERT_EQ(::prlimit(stage->rig.quenthisar().pid(), RLIMIT_CORE, nullptr, &limit), 0);
-    EXPECT_EQ(limit.rlim_cur, 0U);
 }
 
 } // namespace quenthisar::e2e
