@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include "Linux/DBusMenu.h"
+#include "Linux/StatusNotifierHosts.h"
+#include "Linux/StatusNotifierItem.h"
+#include "Linux/TrayMenu.h"
+#include "Platform/StatusItem.h"
+
+#include <QColor>
+#include <QDBusConnection>
+#include <QPixmap>
+#include <QSystemTrayIcon>
+#include <QTimer>
+
+#include <functional>
+#include <memory>
+
+namespace quenthisar {
+
+/// Draws an image by its name in one colour, `pixels` wide and high; a null one if there is no such
+/// image.
+using DrawTemplate = std::function<QPixmap(const QString& name, int pixels, const QColor& tint)>;
+
+/// A status item in whatever tray the desktop has: a panel that reads it over the bus or, if there
+/// is none for some seconds, one into which it puts a window (XEmbed). Trays may come late, go and
+/// come back. Main thread.
+class TrayStatusItem final : public StatusItem {
+public:
+    TrayStatusItem(const QDBusConnection& bus, DrawTemplate draw);
+    TrayStatusItem(const TrayStatusItem&) = delete;
+    TrayStatusItem& operator=(const TrayStatusItem&) = delete;
+    ~TrayStatusItem() override;
+
+    void setImage(const StatusImage& image) override;
+    void setMenu(MenuDelegate delegate) override;
+    void menuMayHaveChanged() override;
+
+private:
+    MenuDelegate forwarding();
+    void hostsChanged();
+    void showWindow();
+
+    QDBusConnection bus;
+    const QString name; // on the bus
+    const DrawTemplate draw;
+    MenuDelegate delegate;
+    QIcon icon;
+    QString description;
+    TrayMenu menu;
+    DBusMenu busMenu;
+    StatusNotifierItem item;
+    QTimer patience;
+    std::unique_ptr<QSystemTrayIcon> window;
+    std::unique_ptr<StatusNotifierHosts> hosts;
+};
+
+/// Makes status items.
+class TrayStatusBar final : public StatusBar {
+public:
+    TrayStatusBar(QDBusConnection connection, DrawTemplate drawTemplate)
+        : bus(std::move(connection)), draw(std::move(drawTemplate)) {}
+
+    std::unique_ptr<StatusItem> statusItem() override {
+        return std::make_unique<TrayStatusItem>(bus, draw);
+    }
+
+private:
+    QDBusConnection bus;
+    DrawTemplate draw;
+};
+
+} // namespace quenthisar

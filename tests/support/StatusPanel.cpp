@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: MIT
+#include "support/StatusPanel.h"
+
+#include <QCoreApplication>
+#include <QDBusPendingCall>
+#include <QDBusVariant>
+#include <QDeadlineTimer>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace quenthisar {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr QLatin1String watcher{"org.kde.StatusNotifierWatcher"};
+constexpr QLatin1String watcherPath{"/StatusNotifierWatcher"};
+constexpr QLatin1String itemPath{"/StatusNotifierItem"};
+constexpr QLatin1String itemInterface{"org.kde.StatusNotifierItem"};
+constexpr QLatin1String menuInterface{"com.canonical.dbusmenu"};
+constexpr QLatin1String connectionName{"status-panel"};
+
+PanelItem itemIn(const QDBusArgument& argument, bool hasChildren) {
+    PanelItem item;
+    argument.beginStructure();
+    argument >> item.id >> item.properties;
+    if (hasChildren) {
+        argument.beginArray();
+        while (!argument.atEnd()) {
+            QDBusVariant child;
+            argument >> child;
+            item.children.push_back(itemIn(child.variant().value<QDBusArgument>(), true));
+        }
+        argument.endArray();
+    }
+    argument.endStructure();
+    return item;
+}
+
+} // namespace
+
+PanelItem PanelItem::operator[](const QString& wanted) const {
+    const auto found = std::ranges::find(children, wanted, &PanelItem::label);
+    return found != children.end() ? *found : PanelItem{};
+}
+
+StatusPanel::StatusPanel(const QString& busAddress, bool shows)
+    : bus(QDBusConnection::connectToBus(busAddress, connectionName)), hasHost(shows) {
+    bus.registerVirtualObject(watcherPath, this);
+    for (const auto& signal : {u"ItemsPropertiesUpdated"_s, u"LayoutUpdated"_s})
+        bus.connect({}, {}, menuInterface, signal, this, SLOT(menuSignal(QDBusMessage)));
+    bus.registerService(watcher);
+}
+
+StatusPanel::~StatusPanel() {
+    QDBusConnection::disconnectFromBus(connectionName);
+}
+
+void StatusPanel::setHost(bool isThere) {
+    hasHost = isThere;
+    bus.send(QDBusMessage::createSignal(watcherPath, watcher,
+                                        hasHost ? u"StatusNotifierHostRegistered"_s
+                                                : u"StatusNotifierHostUnregistered"_s));
+}
+
+bool StatusPanel::waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
+    const QDeadlineTimer deadline(limit);
+    QTimer wakeUp;
+    wakeUp.start(10);
+    while (!done()) {
+        if (deadline.hasExpired()) return false;
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+    return true;
+}
+
+bool StatusPanel::waitForItem() const {
+    return waitUntil([this] { return !items.isEmpty(); });
+}
+
+std::optional<QDBusMessage> StatusPanel::call(const QString& path, const QString& interface,
+                                              const QString& method,
+                                              const QVariantList& arguments) {
+    if (items.isEmpty()) return std::nullopt;
+    auto message = QDBusMessage::createMethodCall(items.first(), path, interface, method);
+    message.setArguments(arguments);
+    // The item may live in this very thread.
+    const auto pending = bus.asyncCall(message);
+    waitUntil([&] { return pending.isFinished(); });
+    if (!pending.isFinished() || pending.isError()) return std::nullopt;
+    return pending.reply();
+}
+
+QVariant StatusPanel::itemProperty(const QString& name) {
+    const auto reply = call(itemPath, u"org.freedesktop.DBus.Properties"_s, u"Get"_s,
+                            {QString(itemInterface), name});
+    return reply ? reply->arguments().at(0).value<QDBusVariant>().variant() : QVariant{};
+}
+
+PanelItem StatusPanel::menu(int parent) {
+    const auto path = itemProperty(u"Menu"_s).value<QDBusObjectPath>().path();
+    const auto reply = call(path, menuInterface, u"GetLayout"_s, {parent, -1, QStringList{}});
+    if (!reply) return {};
+    signatures.append(reply->signature());
+    return itemIn(reply->arguments().at(1).value<QDBusArgument>(), true);
+}
+
+bool StatusPanel::waitForMenu(const std::function<bool(const PanelItem&)>& wanted) {
+    return waitUntil([&] { return wanted(menu()); });
+}
+
+bool StatusPanel::aboutToShow() {
+    const auto path = itemProperty(u"Menu"_s).value<QDBusObjectPath>().path();
+    const auto reply = call(path, menuInterface, u"AboutToShow"_s, {0});
+    return reply && reply->arguments().at(0).toBool();
+}
+
+void StatusPanel::click(int id) {
+    const auto path = itemProperty(u"Menu"_s).value<QDBusObjectPath>().path();
+    call(path, menuInterface, u"Event"_s,
+         {id, u"clicked"_s, QVariant::fromValue(QDBusVariant(u""_s)), 0U});
+}
+
+QString StatusPanel::introspect(const QString& /*path*/) const {
+    return {};
+}
+
+bool StatusPanel::handleMessage(const QDBusMessage& request, const QDBusConnection& connection) {
+    if (request.member() == "RegisterStatusNotifierItem"_L1) {
+        items.append(request.arguments().at(0).toString());
+        return connection.send(request.createReply());
+    }
+    if (request.member() == "Get"_L1)
+        return connection.send(
+            request.createReply(QVariant::fromValue(QDBusVariant(QVariant(hasHost)))));
+    return false;
+}
+
+void StatusPanel::menuSignal(const QDBusMessage& signal) {
+    signatures.append(signal.signature());
+    if (signal.member() == "LayoutUpdated"_L1) {
+        ++layoutUpdates;
+        return;
+    }
+    const auto list = signal.arguments().at(0).value<QDBusArgument>();
+    list.beginArray();
+    while (!list.atEnd()) updated.push_back(itemIn(list, false));
+    list.endArray();
+}
+
+} // namespace quenthisar

@@ -1,0 +1,78 @@
+// SPDX-License-Identifier: MIT
+#pragma once
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace quenthisar {
+
+/// An item as a panel reads it.
+struct PanelItem {
+    int id = 0;
+    QVariantMap properties;
+    std::vector<PanelItem> children;
+
+    QString label() const { return properties.value(QStringLiteral("label")).toString(); }
+    bool isEnabled() const { return properties.value(QStringLiteral("enabled"), true).toBool(); }
+    /// 1 and 0 for on and off; -1 for an item that has no mark.
+    int mark() const { return properties.value(QStringLiteral("toggle-state"), -1).toInt(); }
+    /// The child with this label; an empty one if there is none.
+    PanelItem operator[](const QString& label) const;
+};
+
+/// A desktop's panel on a bus: it keeps the list of status items, shows them, and reads their menus
+/// as some panels do, without opening them. The protocol is decoded here on its own. Needs an
+/// application object.
+class StatusPanel final : public QDBusVirtualObject {
+    Q_OBJECT
+
+public:
+    explicit StatusPanel(const QString& busAddress, bool hasHost = true);
+    ~StatusPanel() override;
+
+    void setHost(bool isThere);
+
+    /// Runs the event loop until `done` holds; false if it does not in time.
+    static bool waitUntil(const std::function<bool()>& done,
+                          std::chrono::milliseconds limit = std::chrono::seconds(10));
+    bool waitForItem() const;
+
+    // Of the item that came first; none and empty if it does not answer.
+
+    QVariant itemProperty(const QString& name);
+    /// The whole menu, or of one submenu.
+    PanelItem menu(int parent = 0);
+    /// Whether its menu, as it is read again and again, gets to be so.
+    bool waitForMenu(const std::function<bool(const PanelItem&)>& wanted);
+    /// As when the user opens it. Whether it has changed since it was read.
+    bool aboutToShow();
+    void click(int id);
+    std::optional<QDBusMessage> call(const QString& path, const QString& interface,
+                                     const QString& method, const QVariantList& arguments);
+
+    QStringList items;              // in the order in which they came
+    int layoutUpdates = 0;          // of a menu
+    std::vector<PanelItem> updated; // items whose properties changed
+    QStringList signatures;         // of the menu's signals and layouts
+
+    QString introspect(const QString& path) const override;
+    bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override;
+
+private:
+    Q_SLOT void menuSignal(const QDBusMessage& signal);
+
+    QDBusConnection bus;
+    bool hasHost;
+};
+
+} // namespace quenthisar
