@@ -52,6 +52,8 @@ public:
     QString displayUuid() const { return boundDisplay; }
     /// Where the dongle can be asked for faults, and whoever else the program should find.
     QString systemBusAddress() const { return systemBus.address(); }
+    /// Of the program's desktop. Only with a session of its own.
+    QString sessionBusAddress() const { return sessionBus->address(); }
 
 private:
     ChildProcess::Environment environment() const;

@@ -3,6 +3,7 @@
 
 #include "Capture/TargetMacro.h"
 #include "Platform/Displays.h"
+#include "UI/StatusMenu.h"
 
 #include <algorithm>
 #include <array>
@@ -15,6 +16,8 @@ namespace {
 
 constexpr Seconds accessibilityPollInterval{1.0};
 constexpr Seconds hudAutoHide{2.6};
+/// Many changes make one new menu, and the beginning of a takeover does not wait for it.
+constexpr Seconds menuUpdateDelay{0.1};
 /// How far inside the crossed edge the panel's centre is, in points.
 constexpr double hudInsideTopOrBottom = 80, hudInsideLeftOrRight = 120;
 
@@ -43,6 +46,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     clipboard = std::make_shared<ClipboardTyper>(*dongleManager, ports.pasteboard,
                                                  ports.typingQueue, ports.queue);
     state.axTrusted = ports.trust.isProcessTrusted();
+    installStatusItem();
     registerHotkeys();
     observeTakeover();
     axTimer =
@@ -73,8 +77,67 @@ void AppDelegate::screensChanged() {
     state.screens = ScreenLayout::current(ports.displays);
 }
 
+void AppDelegate::installStatusItem() {
+    statusItem = ports.statusBar.statusItem();
+    statusItem->setImage({.name = "menubar",
+                          .width = 18,
+                          .height = 18,
+                          .isTemplate = true,
+                          .accessibilityDescription = "Quenthisar"});
+    statusItem->setMenu(
+        {.menuNeedsUpdate = guard.bind([this](Menu& menu) { menuNeedsUpdate(menu); }),
+         .choose = guard.bind([this](const MenuItem& item) { choose(item); })});
+    menuObserver = state.objectWillChange.subscribe([this] { storeWillChange(); });
+}
+
+/// For hosts that show what they read before the menu opens.
+void AppDelegate::storeWillChange() {
+    if (std::exchange(isMenuUpdateDue, true)) return;
+    ports.queue.after(menuUpdateDelay, guard.bind([this] {
+        isMenuUpdateDue = false;
+        statusItem->menuMayHaveChanged();
+    }));
+}
+
+void AppDelegate::menuNeedsUpdate(Menu& menu) const {
+    menu = StatusMenu::items(state, clipboardTarget().has_value());
+}
+
+void AppDelegate::choose(const MenuItem& item) {
+    switch (item.action) {
+    case MenuAction::toggleCaptureMenu: return toggleCaptureMenu();
+    case MenuAction::selectProfile: return selectProfile(item.representedObject);
+    case MenuAction::takeOver: return takeOver(item.representedObject);
+    case MenuAction::pasteMenu: return pasteMenu();
+    case MenuAction::showWindow: return showWindow();
+    case MenuAction::none:
+    case MenuAction::terminate: return;
+    }
+}
+
+void AppDelegate::toggleCaptureMenu() {
+    setCapture(!*state.captureEnabled);
+}
+
+void AppDelegate::selectProfile(const std::optional<std::string>& representedObject) {
+    if (const auto id = Uuid::parse(representedObject.value_or(""))) state.switchProfile(*id);
+}
+
+void AppDelegate::takeOver(const std::optional<std::string>& representedObject) {
+    const auto id = Uuid::parse(representedObject.value_or(""));
+    if (!id) return;
+    if (!*state.captureEnabled) setCapture(true);
+    eventTap->takeOver(*id);
+}
+
+void AppDelegate::pasteMenu() {
+    if (const auto target = clipboardTarget()) clipboard->typeClipboard(*target);
+}
+
+void AppDelegate::showWindow() {}
+
 void AppDelegate::registerHotkeys() {
-    hotkeys.registerHotkey(keyCodeV, chordModifiers, guard.bind([this] { typeClipboard(); }));
+    hotkeys.registerHotkey(keyCodeV, chordModifiers, guard.bind([this] { pasteMenu(); }));
     for (std::size_t number = 1; number <= digitKeyCodes.size(); ++number) {
         const auto keyCode = digitKeyCodes[number - 1];
         hotkeys.registerHotkey(keyCode, chordModifiers,
@@ -82,10 +145,6 @@ void AppDelegate::registerHotkeys() {
         hotkeys.registerHotkey(keyCode, chordModifiers | HotkeyModifiers::shift,
                                guard.bind([this, number] { takeOverDongle(number); }));
     }
-}
-
-void AppDelegate::typeClipboard() {
-    if (const auto target = clipboardTarget()) clipboard->typeClipboard(*target);
 }
 
 void AppDelegate::switchToProfile(std::size_t number) {

@@ -9,6 +9,7 @@
 #include "Platform/AccessibilityTrust.h"
 #include "Platform/MainQueue.h"
 #include "Platform/Ports.h"
+#include "Platform/StatusItem.h"
 #include "Support/WeakGuard.h"
 #include "UI/TakeoverHUD.h"
 
@@ -20,8 +21,8 @@
 namespace quenthisar {
 
 /// Creates the store and the managers, and wires them: accessibility trust, the capture switch,
-/// display changes, hotkeys, the panel and the chord of a profile. Lives for the whole process.
-/// Main thread.
+/// display changes, the status menu, hotkeys, the panel and the chord of a profile. Lives for the
+/// whole process. Main thread.
 class AppDelegate {
 public:
     /// Loads the settings; nothing is on screen and nothing is captured yet.
@@ -30,6 +31,20 @@ public:
     /// The start-up sequence. Called once, before the main loop runs.
     void applicationDidFinishLaunching();
 
+    /// Builds the status menu anew.
+    void menuNeedsUpdate(Menu& menu) const;
+
+    // What the status menu's items do. A represented object that is no identifier does nothing.
+
+    /// Prompts instead where capture is not allowed.
+    void toggleCaptureMenu();
+    void selectProfile(const std::optional<std::string>& representedObject);
+    /// Switches capture on first.
+    void takeOver(const std::optional<std::string>& representedObject);
+    /// Types the clipboard's text on its target, if there is one.
+    void pasteMenu();
+    void showWindow();
+
     AppState state;
     // Present from launch on.
     std::unique_ptr<DongleManager> dongleManager;
@@ -37,8 +52,11 @@ public:
     std::shared_ptr<ClipboardTyper> clipboard;
 
 private:
+    void installStatusItem();
+    void choose(const MenuItem& item);
+    void storeWillChange();
+
     void registerHotkeys();
-    void typeClipboard();
     void switchToProfile(std::size_t number);
     void takeOverDongle(std::size_t number);
 
@@ -58,6 +76,9 @@ private:
     const Ports ports;
     HotkeyManager hotkeys;
     TakeoverHUD hud;
+    std::unique_ptr<StatusItem> statusItem;
+    Subscription menuObserver;
+    bool isMenuUpdateDue = false;
     std::unique_ptr<RepeatingTimer> axTimer;
     bool didAutoCapture = false; // at most once per process
     std::vector<Subscription> cancellables;

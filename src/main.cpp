@@ -12,6 +12,7 @@
 #include "Linux/SingleInstance.h"
 #include "Linux/SpawnLauncher.h"
 #include "Linux/StandardErrorLog.h"
+#include "Linux/TrayStatusItem.h"
 #include "Linux/X11AccessibilityTrust.h"
 #include "Linux/XConnection.h"
 #include "Linux/XCursor.h"
@@ -23,6 +24,7 @@
 #include "Linux/XPasteboard.h"
 #include "Linux/XToolkit.h"
 #include "UI/Qt/HUDWidget.h"
+#include "UI/Qt/Symbols.h"
 
 #include <QApplication>
 
@@ -68,6 +70,10 @@ public:
 private:
     const quenthisar::DesktopSpace& space;
 };
+
+QPixmap drawTemplate(const QString& name, int pixels, const QColor& tint) {
+    return quenthisar::symbol(name, {pixels, pixels}, tint, 1);
+}
 
 /// While the main loop runs. The toolkit ends the process by itself when it loses the X server.
 quenthisar::EventTapController* running = nullptr;
@@ -149,9 +155,10 @@ int main(int, char** argv) {
     Panels panels(space);
     XPasteboard pasteboard;
     QtSerialQueue typingQueue;
+    TrayStatusBar statusBar(QDBusConnection::sessionBus(), drawTemplate);
 
     AppDelegate delegate({queue, defaults, displays, taps, cursor, trust, central, loginItem,
-                          launcher, log, hotkeys, panels, pasteboard, typingQueue});
+                          launcher, log, hotkeys, panels, pasteboard, typingQueue, statusBar});
     delegate.applicationDidFinishLaunching();
     const SessionLock lock([&input](bool isLocked) { input.setDeaf(isLocked); });
     running = delegate.eventTap.get();

@@ -15,6 +15,7 @@ class MainQueue;
 class Pasteboard;
 class ProcessLauncher;
 class SerialQueue;
+class StatusBar;
 class SystemLog;
 class UserDefaults;
 
@@ -35,6 +36,7 @@ struct Ports {
     HUDPanels& panels;
     Pasteboard& pasteboard;
     SerialQueue& typingQueue;
+    StatusBar& statusBar;
 };
 
 } // namespace quenthisar

@@ -4,12 +4,14 @@
 #include "Platform/HotkeyService.h"
 #include "Platform/Pasteboard.h"
 #include "Platform/SerialQueue.h"
+#include "Platform/StatusItem.h"
 #include "UI/HUDView.h"
 #include "support/VirtualClock.h"
 
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -45,6 +47,36 @@ public:
     Handler handler;
     std::set<Combination> taken;
     std::vector<std::pair<Combination, HotkeyIdentity>> asked, registered;
+};
+
+/// A status bar whose item a test opens. It keeps no copy of the menu, but counts how often a host
+/// that does would have been told.
+class FakeStatusBar final : public StatusBar {
+public:
+    std::unique_ptr<StatusItem> statusItem() override { return std::make_unique<Item>(*this); }
+
+    Menu open() const {
+        Menu menu{{.title = "of the last time"}};
+        delegate.menuNeedsUpdate(menu);
+        return menu;
+    }
+    void choose(const MenuItem& item) const { delegate.choose(item); }
+
+    int items = 0; // there now
+    std::optional<StatusImage> image;
+    MenuDelegate delegate;
+    int updates = 0;
+
+private:
+    struct Item final : StatusItem {
+        explicit Item(FakeStatusBar& owner) : bar(owner) { ++bar.items; }
+        ~Item() override { --bar.items; }
+        void setImage(const StatusImage& next) override { bar.image = next; }
+        void setMenu(MenuDelegate next) override { bar.delegate = std::move(next); }
+        void menuMayHaveChanged() override { ++bar.updates; }
+
+        FakeStatusBar& bar;
+    };
 };
 
 class FakePasteboard final : public Pasteboard {

@@ -125,6 +125,7 @@ private:
     std::uint64_t heldModifiers = 0; // by host key code
     FakeAccessibilityTrust trust;
     VirtualThread typing{clock};
+    FakeStatusBar statusBar;
     std::optional<AppDelegate> delegate;
     std::optional<Core> made;
     std::vector<Subscription> subscriptions;

@@ -35,6 +35,7 @@ struct AppDelegateFixture {
     FakePanels panels{clock};
     FakePasteboard pasteboard;
     FakeSerialQueue typing{clock};
+    FakeStatusBar statusBar;
     std::map<Uuid, std::shared_ptr<FakePeripheral>> dongles;
     std::optional<AppDelegate> delegate;
 
@@ -42,7 +43,7 @@ struct AppDelegateFixture {
         defaults.store("autoCapture", autoCapture);
         displays.add("D1", {0, 0, 1920, 1080});
         delegate.emplace(Ports{clock, defaults, displays, taps, taps, trust, central, loginItem,
-                               launcher, log, hotkeys, panels, pasteboard, typing});
+                               launcher, log, hotkeys, panels, pasteboard, typing, statusBar});
     }
     void finishLaunching() {
         delegate->applicationDidFinishLaunching();

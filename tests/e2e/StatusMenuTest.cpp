@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "demo/Hands.h"
+#include "demo/Rig.h"
+#include "demo/RuntimeFolder.h"
+#include "e2e/SystemTray.h"
+#include "support/StatusPanel.h"
+
+#include <QCoreApplication>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace quenthisar::e2e {
+
+using namespace std::chrono_literals;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr auto soon = 20s;
+
+/// The program on a desktop that has no tray yet.
+class StatusMenu : public testing::Test {
+protected:
+    void SetUp() override {
+        demo::provideRuntimeFolder();
+        host.switchOffAcceleration();
+        try {
+            rig = std::make_unique<demo::Rig>(demo::Rig::Options{
+                .programs = demo::Programs::in(QStringLiteral(QUENTHISAR_PROGRAMS)),
+                .hostDisplay = hostServer.display(),
+                .targetDisplay = targetServer.display()});
+            rig->startProgram();
+        } catch (const std::exception& error) {
+            FAIL() << error.what();
+        }
+    }
+    static bool waitUntil(const std::function<bool()>& done) {
+        return StatusPanel::waitUntil(done, soon);
+    }
+    /// How the program ends.
+    std::optional<int> end() { return rig->quenthisar().waitForEnd(soon); }
+
+    void moveTo(QPoint place) {
+        const auto from = host.pointer();
+        ASSERT_TRUE(from);
+        hands.moveBy(place - *from);
+    }
+    /// Windows that show an icon's menu.
+    int menusOnScreen() const {
+        auto* c = host.get();
+        const auto owned = [](auto* reply) {
+            return std::unique_ptr<std::remove_pointer_t<decltype(reply)>, decltype(&std::free)>(
+                reply, std::free);
+        };
+        const auto tree = owned(xcb_query_tree_reply(c, xcb_query_tree(c, host.root()), nullptr));
+        const auto* children = tree ? xcb_query_tree_children(tree.get()) : nullptr;
+        int count = 0;
+        for (int i = 0; children && i < tree->children_len; ++i) {
+            const auto window = owned(xcb_get_window_attributes_reply(
+                c, xcb_get_window_attributes(c, children[i]), nullptr));
+            const auto frame =
+                owned(xcb_get_geometry_reply(c, xcb_get_geometry(c, children[i]), nullptr));
+            count += window && frame && window->override_redirect &&
+                     window->map_state == XCB_MAP_STATE_VIEWABLE && frame->height > 100;
+        }
+        return count;
+    }
+
+    int argumentCount = 1;
+    char name[6] = "tests";
+    char* list[2] = {name, nullptr};
+    QCoreApplication application{argumentCount, list};
+    demo::XServer hostServer, targetServer;
+    demo::XClient host{hostServer.display()};
+    demo::Hands hands{host};
+    std::unique_ptr<demo::Rig> rig;
+};
+
+} // namespace
+
+TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
+    StatusPanel panel(rig->sessionBusAddress());
+    ASSERT_TRUE(panel.waitForItem());
+    const auto take = u"Take over"_s, capture = u"Capture"_s;
+    // The panel never opens it: it follows by itself.
+    ASSERT_TRUE(panel.waitForMenu([&](const PanelItem& menu) {
+        return menu[capture].mark() == 1 && menu[take].children.size() == 1 &&
+               menu[take].children[0].isEnabled();
+    }));
+    const auto menu = panel.menu();
+    QStringList labels;
+    for (const auto& item : menu.children) labels.append(item.label());
+    EXPECT_EQ(labels, (QStringList{capture,
+                                   u"Active: Local"_s,
+                                   {},
+                                   u"Profile"_s,
+                                   take,
+                                   u"Type Clipboard to Target"_s,
+                                   {},
+                                   u"Open Quenthisar"_s,
+                                   u"Quit"_s}));
+    const auto dongle = menu[take].children[0];
+    EXPECT_TRUE(dongle.label().startsWith(u"Target ("_s));
+
+    const auto captures = [&](int on) {
+        return panel.waitForMenu([&](const PanelItem& now) { return now[capture].mark() == on; });
+    };
+    panel.click(menu[capture].id);
+    ASSERT_TRUE(captures(0));
+    panel.click(dongle.id);
+    ASSERT_TRUE(captures(1)) << "taking over needs it";
+    ASSERT_TRUE(panel.waitForMenu([&](const PanelItem& now) {
+        return now.children.at(1).label() == u"Active: "_s + dongle.label();
+    }));
+    panel.click(menu[capture].id);
+    ASSERT_TRUE(captures(0));
+    EXPECT_EQ(panel.menu().children.at(1).label(), u"Active: Local"_s);
+
+    panel.click(menu[u"Quit"_s].id);
+    EXPECT_EQ(end(), 0);
+}
+
+TEST_F(StatusMenu, OpensFromATrayOfWindowsWhereThereIsNoPanel) {
+    auto tray = std::make_unique<SystemTray>(hostServer.display());
+    ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); }));
+    tray = nullptr;
+    tray = std::make_unique<SystemTray>(hostServer.display());
+    ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); })) << "it was started again";
+
+    moveTo(SystemTray::frame.center());
+    for (const auto button : {std::uint8_t{1}, std::uint8_t{3}}) {
+        ASSERT_TRUE(waitUntil([&] {
+            if (menusOnScreen() == 0) hands.click(button);
+            return menusOnScreen() == 1;
+        }));
+        // Escape
+        hands.key(*host.keyCodeOf(0xFF1B), true);
+        hands.key(*host.keyCodeOf(0xFF1B), false);
+        ASSERT_TRUE(waitUntil([&] { return menusOnScreen() == 0; }));
+    }
+    {
+        StatusPanel panel(rig->sessionBusAddress());
+        ASSERT_TRUE(panel.waitForItem());
+        EXPECT_TRUE(waitUntil([&] { return !tray->hasIcon(); })) << "one icon is enough";
+    }
+    ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); })) << "the panel is gone";
+    ASSERT_TRUE(waitUntil([&] {
+        if (menusOnScreen() == 0) hands.click(1);
+        return menusOnScreen() == 1;
+    }));
+    hands.chord({*host.keyCodeOf(0xFFE3), *host.keyCodeOf('q')}); // Control
+    EXPECT_EQ(end(), 0);
+}
+
+} // namespace quenthisar::e2e
