@@ -21,7 +21,7 @@ protected:
 
     /// The cursor is back last of all: it is gone again when the program has gone on.
     void expectHostGivenBack() {
-        EXPECT_TRUE(stage->hostPointerMoves(guardActs + atOnce));
+        EXPECT_TRUE(stage->hostPointerMoves(guardActs + soon));
         EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, atOnce));
     }
 
@@ -49,7 +49,7 @@ TEST_F(Hang, GivesTheHostBackAndGoesOnAfterItWithNothingStuck) {
 
 TEST_F(Hang, KeepsTheReturnAtHand) {
     hang();
-    ASSERT_TRUE(stage->hostPointerMoves(guardActs + atOnce));
+    ASSERT_TRUE(stage->hostPointerMoves(guardActs + soon));
     ASSERT_NO_FATAL_FAILURE(markNow());
     const auto chord = demo::returnChord(stage->host);
     for (const auto key : chord) stage->hands.key(key, true);
