@@ -53,13 +53,17 @@ Guard::~Guard() {
     stop();
 }
 
-void Guard::start() {
+Guard::Delivery Guard::start() {
     std::array<int, 2> ends{};
-    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0) return;
+    if (::socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) != 0)
+        return Delivery::gone;
+    channel = ends[0];
+    // Waiting for the process before it is there: this one may hang at any time.
+    const auto delivery = send(message());
     if (const auto process = spawn(guardProgram(), ends[1]); process > 0)
         processes.push_back(process);
     ::close(ends[1]);
-    channel = ends[0];
+    return delivery;
 }
 
 /// Without its channel the guard ends by itself, if it has not done so.
@@ -83,14 +87,17 @@ void Guard::setDongles(std::vector<std::string> objectPaths) {
     report();
 }
 
+std::string Guard::message() const {
+    auto result = std::to_string(holder) + ' ';
+    for (const auto& dongle : dongles) result += dongle + ' ';
+    return result;
+}
+
 void Guard::report() {
-    auto message = std::to_string(holder) + ' ';
-    for (const auto& dongle : dongles) message += dongle + ' ';
-    auto delivery = send(message);
+    auto delivery = send(message());
     if (delivery == Delivery::gone) {
         stop();
-        start();
-        delivery = send(message);
+        delivery = start();
     }
     told = delivery == Delivery::taken;
     reap();
@@ -106,8 +113,8 @@ void Guard::report() {
         heartbeat->start(interval);
 }
 
-Guard::Delivery Guard::send(const std::string& message) const {
-    if (::send(channel, message.data(), message.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
+Guard::Delivery Guard::send(const std::string& text) const {
+    if (::send(channel, text.data(), text.size(), MSG_DONTWAIT | MSG_NOSIGNAL) >= 0)
         return Delivery::taken;
     return errno == EAGAIN || errno == ENOBUFS ? Delivery::full : Delivery::gone;
 }

@@ -31,14 +31,15 @@ public:
     bool isToldAll() const { return told; }
 
 private:
-    void start();
-    void stop();
     /// `full`: it doesn't read at the moment. `gone`: it was ended from outside.
     enum class Delivery { taken, full, gone };
 
+    Delivery start();
+    void stop();
     void report();
     void reap();
-    Delivery send(const std::string& message) const;
+    std::string message() const;
+    Delivery send(const std::string& text) const;
 
     int channel = -1;
     std::vector<pid_t> processes; // the latest, and those before it that are still to be reaped
