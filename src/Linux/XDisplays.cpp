@@ -22,6 +22,7 @@ XDisplays::XDisplays(DesktopSpace& desktop) : space(desktop) {
     settled.setSingleShot(true);
     settled.setInterval(quietTime);
     QObject::connect(&settled, &QTimer::timeout, &settled, [this] {
+        stale = true;
         const auto handler = changed;
         if (handler) handler();
     });
@@ -29,6 +30,7 @@ XDisplays::XDisplays(DesktopSpace& desktop) : space(desktop) {
 }
 
 void XDisplays::open() {
+    stale = true;
     pump.reset();
     connection = XConnection::open();
     if (connection && !selectEvents()) connection.reset();
@@ -60,16 +62,20 @@ bool XDisplays::selectEvents() {
 
 std::vector<Screen> XDisplays::screens() {
     if (!connection || connection->isLost()) open();
-    monitors = connection ? readMonitors(*connection) : std::vector<Monitor>{};
-    putPrimaryFirst(monitors);
-    if (!monitors.empty()) space.setPrimary(monitors.front().frame);
-    if (pump) pump->drainSoon();
+    if (std::exchange(stale, false)) read();
     std::vector<Screen> result;
     for (const auto& monitor : monitors)
         result.push_back({.screenNumber = monitor.number,
                           .frame = space.frameworkFromRoot(monitor.frame),
                           .localizedName = displayName(monitor)});
     return result;
+}
+
+void XDisplays::read() {
+    monitors = connection ? readMonitors(*connection) : std::vector<Monitor>{};
+    putPrimaryFirst(monitors);
+    if (!monitors.empty()) space.setPrimary(monitors.front().frame);
+    if (pump) pump->drainSoon();
 }
 
 std::optional<std::string> XDisplays::displayUUID(std::uint32_t displayID) {

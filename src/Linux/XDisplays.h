@@ -14,7 +14,8 @@
 namespace quenthisar {
 
 /// The monitors of an X server with RandR 1.5. With no such server there are no displays. A lost
-/// connection counts as a change, and is opened again when the displays are asked for.
+/// connection counts as a change, and is opened again when the displays are asked for. Between two
+/// changes that are told of the list is the same: who keeps it must get locations in its terms.
 class XDisplays final : public Displays {
 public:
     /// `desktop` follows the list that was last handed out, and outlives this.
@@ -28,6 +29,7 @@ public:
 private:
     void open();
     bool selectEvents();
+    void read();
     void take(const xcb_generic_event_t& event);
 
     DesktopSpace& space;
@@ -35,6 +37,7 @@ private:
     std::unique_ptr<XEventPump> pump;
     std::uint8_t firstEvent = 0;
     std::vector<Monitor> monitors;
+    bool stale = true;
     QTimer settled;
     std::function<void()> changed;
 };

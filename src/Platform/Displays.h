@@ -23,7 +23,7 @@ class Displays {
 public:
     virtual ~Displays() = default;
 
-    /// The displays of this moment, primary first.
+    /// The displays, primary first; the same from one change that is told of to the next.
     virtual std::vector<Screen> screens() = 0;
 
     /// The persistent UUID of a display in text form, or none.

@@ -120,7 +120,7 @@ TEST(XDesktop, FollowsTheDisplays) {
     XorgStage stage;
     run(stage, "xset m 1/1 1000");
     run(stage, "xrandr --output DUMMY1 --primary");
-    stage.displays.screens();
+    ASSERT_TRUE(runUntil([&] { return stage.displays.screens().front().frame.width == 1024; }));
     stage.hands.moveTo(1281, 4);
     ASSERT_TRUE(runUntil([&] {
         return !stage.delivered.empty() && stage.delivered.back().location == Point{1, 4};

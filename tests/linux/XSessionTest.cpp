@@ -37,6 +37,27 @@ TEST(XDisplays, ListTheMonitorsAndTellOfChangesOnce) {
               stage.displays.displayUUID(*screens[0].screenNumber));
 }
 
+TEST(XDisplays, StayAsTheyWereUntilTheChangeIsToldOf) {
+    XStage stage;
+    const auto before = stage.displays.screens();
+    const auto locationOfTheCorner = [&] { return stage.space.globalFromRoot({0, 0}); };
+    ASSERT_EQ(locationOfTheCorner(), (Point{0, 0}));
+    bool isToldOf = false;
+    stage.displays.onChange([&] { isToldOf = true; });
+    stage.setMonitor(QStringLiteral("SECOND"), QStringLiteral("800/100x600/100+400+100"),
+                     QStringLiteral("none"));
+    // Whoever asks meanwhile must not move the locations of those that have the old list.
+    ASSERT_TRUE(runUntil([&] {
+        if (isToldOf) return true;
+        EXPECT_EQ(stage.displays.screens().size(), before.size());
+        EXPECT_EQ(locationOfTheCorner(), (Point{0, 0}));
+        return testing::Test::HasFailure();
+    }));
+    EXPECT_EQ(locationOfTheCorner(), (Point{0, 0})) << "nobody has asked for the new list";
+    EXPECT_EQ(stage.displays.screens().front().frame, (Rect{0, 0, 800, 600}));
+    EXPECT_EQ(locationOfTheCorner(), (Point{-400, -100}));
+}
+
 TEST(X11AccessibilityTrust, IsGivenInAnX11SessionOnly) {
     XStage stage;
     EXPECT_TRUE(X11AccessibilityTrust{}.isProcessTrusted());

@@ -32,7 +32,8 @@ TEST_P(XTap, ReportsTheLastPositionOfAFastMoveInDisplayCoordinates) {
     XStage stage{GetParam()};
     stage.setMonitor(QStringLiteral("SECOND"), QStringLiteral("800/100x600/100+400+100"),
                      QStringLiteral("none"));
-    stage.displays.screens();
+    ASSERT_TRUE(
+        runUntil([&] { return stage.displays.screens().front().localizedName == "SECOND"; }));
     for (int i = 0; i < 100; ++i) stage.hands.moveTo(500 + i, 300);
     stage.hands.moveTo(1199, 160);
     EXPECT_TRUE(runUntil([&] {
@@ -398,7 +399,7 @@ TEST_P(XTakeover, StaysIdleWhenTheServerIsGone) {
     ASSERT_TRUE(runUntil([&] { return !stage.taps.tapCreate(0, {}) && !stage.session.open(); }));
     stage.cursor.associateMouseAndMouseCursorPosition(true);
     stage.takeOver();
-    EXPECT_TRUE(stage.displays.screens().empty());
+    EXPECT_TRUE(runUntil([&] { return stage.displays.screens().empty(); }));
     int turns = 0;
     QTimer end;
     end.setSingleShot(true);
