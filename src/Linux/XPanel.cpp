@@ -28,6 +28,21 @@ void flush() {
     if (auto* connection = XToolkit::connection()) xcb_flush(connection);
 }
 
+/// The pixel of the root window that begins at a point of the framework's space.
+QPoint pixelFrom(Point point, const DesktopSpace& space) {
+    const auto root = space.rootFromFramework({point.x, point.y, 0, 0});
+    return {static_cast<int>(std::lround(root.x)), static_cast<int>(std::lround(root.y))};
+}
+
+/// The toolkit's display at a pixel; null where it knows none.
+QScreen* toolkitScreen(QPoint pixel) {
+    for (auto* screen : QGuiApplication::screens()) {
+        const auto size = QSizeF(screen->size()) * screen->devicePixelRatio();
+        if (QRectF(screen->geometry().topLeft(), size).contains(pixel)) return screen;
+    }
+    return nullptr;
+}
+
 } // namespace
 
 XPanel::XPanel(const DesktopSpace& desktop, std::unique_ptr<QWidget> widget)
@@ -66,16 +81,17 @@ bool XPanel::isComposited() {
     return owner && owner->owner != XCB_WINDOW_NONE;
 }
 
-Size XPanel::fittingSize() const {
-    const auto size = QSizeF(content->size()) * content->devicePixelRatioF();
+Size XPanel::fittingSize(Point on) {
+    if (auto* known = toolkitScreen(pixelFrom(on, space))) content->setScreen(known);
+    const auto* screen = content->screen();
+    const auto size = QSizeF(content->size()) * (screen ? screen->devicePixelRatio() : 1);
     return {std::round(size.width()), std::round(size.height())};
 }
 
 void XPanel::setFrameOrigin(Point next) {
-    const auto size = fittingSize();
-    const auto frame = space.rootFromFramework({next.x, next.y, size.width, size.height});
-    place = QPoint(static_cast<int>(std::lround(frame.x)), static_cast<int>(std::lround(frame.y)));
     content->winId(); // makes its window
+    const auto height = std::round(content->height() * content->devicePixelRatioF());
+    place = pixelFrom({next.x, next.y + height}, space);
     tellToolkit();
     placeExactly();
 }
@@ -87,13 +103,10 @@ std::uint32_t XPanel::window() const {
 
 /// Its measure of places: it scales sizes, but not where displays begin.
 void XPanel::tellToolkit() const {
-    for (const auto* screen : QGuiApplication::screens()) {
-        const auto begin = screen->geometry().topLeft();
-        const auto scale = screen->devicePixelRatio();
-        if (!QRectF(begin, QSizeF(screen->size()) * scale).contains(place)) continue;
-        content->move(begin + (QPointF(place - begin) / scale).toPoint());
-        return;
-    }
+    const auto* screen = content->screen();
+    if (!screen) return;
+    const auto begin = screen->geometry().topLeft();
+    content->move(begin + (QPointF(place - begin) / screen->devicePixelRatio()).toPoint());
 }
 
 /// Past the toolkit, which knows no odd pixels when it scales.

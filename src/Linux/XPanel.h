@@ -24,7 +24,7 @@ public:
     /// content.
     static bool isComposited();
 
-    Size fittingSize() const override;
+    Size fittingSize(Point on) override;
     void setFrameOrigin(Point origin) override;
     void setAlpha(double alpha) override;
     void orderFrontRegardless() override;

@@ -22,8 +22,9 @@ class Panel {
 public:
     virtual ~Panel() = default;
 
-    /// The size that its content wants.
-    virtual Size fittingSize() const = 0;
+    /// The size that its content wants on the display that holds `on`, in points. Asked for before
+    /// `setFrameOrigin`.
+    virtual Size fittingSize(Point on) = 0;
     /// Where its bottom-left corner goes: origin at the bottom-left of the primary display, y
     /// upwards.
     virtual void setFrameOrigin(Point origin) = 0;

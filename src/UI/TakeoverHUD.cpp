@@ -25,6 +25,14 @@ constexpr double within(double lower, double upper, double anchor, double length
     return std::min(upper - length - margin, std::max(lower + margin, anchor - length / 2));
 }
 
+/// Where the bottom-left corner of a panel goes on the display `f`.
+Point origin(const Rect& f, std::optional<Point> anchor, Size size) {
+    if (!anchor)
+        return {f.minX() + f.width / 2 - size.width / 2, f.maxY() - size.height - topDistance};
+    return {within(f.minX(), f.maxX(), anchor->x, size.width),
+            within(f.minY(), f.maxY(), anchor->y, size.height)};
+}
+
 } // namespace
 
 TakeoverHUD::TakeoverHUD(MainQueue& mainQueue, Displays& allDisplays, HUDPanels& allPanels)
@@ -33,7 +41,9 @@ TakeoverHUD::TakeoverHUD(MainQueue& mainQueue, Displays& allDisplays, HUDPanels&
 void TakeoverHUD::show(const HUDView& view, std::optional<Point> at, Seconds autoHideAfter) {
     hide(false);
     panel = panels.create(view);
-    panel->setFrameOrigin(origin(at, panel->fittingSize()));
+    const auto f = display(at);
+    const Point middle{f.minX() + f.width / 2, f.minY() + f.height / 2};
+    panel->setFrameOrigin(origin(f, at, panel->fittingSize(middle)));
     panel->setAlpha(0);
     panel->orderFrontRegardless();
     panel->animateAlpha(1, fadeIn);
@@ -55,7 +65,7 @@ void TakeoverHUD::hide(bool animated) {
     }));
 }
 
-Point TakeoverHUD::origin(std::optional<Point> anchor, Size size) const {
+Rect TakeoverHUD::display(std::optional<Point> anchor) const {
     const auto screens = displays.screens();
     auto screen = screens.begin(); // the primary one
     if (anchor) {
@@ -63,11 +73,7 @@ Point TakeoverHUD::origin(std::optional<Point> anchor, Size size) const {
             screens, [&](const Screen& s) { return contains(s.frame, *anchor); });
         if (at != screens.end()) screen = at;
     }
-    const Rect f = screen != screens.end() ? screen->frame : Rect{};
-    if (!anchor)
-        return {f.minX() + f.width / 2 - size.width / 2, f.maxY() - size.height - topDistance};
-    return {within(f.minX(), f.maxX(), anchor->x, size.width),
-            within(f.minY(), f.maxY(), anchor->y, size.height)};
+    return screen != screens.end() ? screen->frame : Rect{};
 }
 
 } // namespace quenthisar

@@ -27,7 +27,8 @@ public:
     void hide(bool animated);
 
 private:
-    Point origin(std::optional<Point> anchor, Size size) const;
+    /// The display that is meant; an empty rectangle where there is none.
+    Rect display(std::optional<Point> anchor) const;
 
     MainQueue& queue;
     Displays& displays;

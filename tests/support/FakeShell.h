@@ -119,7 +119,7 @@ class FakePanel final : public Panel {
 public:
     FakePanel(FakePanels& factory, HUDView content) : panels(factory), view(std::move(content)) {}
 
-    Size fittingSize() const override;
+    Size fittingSize(Point on) override;
     void setFrameOrigin(Point next) override { origin = next; }
     void setAlpha(double next) override { alpha = next; }
     void orderFrontRegardless() override { show(true); }
@@ -128,7 +128,7 @@ public:
 
     FakePanels& panels;
     const HUDView view;
-    Point origin;
+    Point origin, askedOn;
     double alpha = 1;
     bool isShown = false;
     std::vector<std::pair<double, Seconds>> fades;
@@ -164,7 +164,8 @@ private:
     int onScreen = 0;
 };
 
-inline Size FakePanel::fittingSize() const {
+inline Size FakePanel::fittingSize(Point on) {
+    askedOn = on;
     return panels.size;
 }
 

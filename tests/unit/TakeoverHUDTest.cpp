@@ -121,6 +121,15 @@ INSTANTIATE_TEST_SUITE_P(
         Place{"NoDisplay", {}, Point{5, 5}, {-312, -102}}),
     [](const auto& row) { return row.param.name; });
 
+TEST(TakeoverHUD, FitsItsPanelToTheDisplayItGoesTo) {
+    Fixture f;
+    for (const auto& frame : {full, right}) f.displays.add("D", frame);
+    f.show(Point{1920, 700});
+    EXPECT_EQ(f.panel(0).askedOn, (Point{2320, 780}));
+    f.show();
+    EXPECT_EQ(f.panel(1).askedOn, (Point{960, 540}));
+}
+
 TEST(Palette, GivesEachDongleTheColorOfItsBytes) {
     Uuid id;
     id.bytes.fill(0);

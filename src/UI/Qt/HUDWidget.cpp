@@ -29,6 +29,19 @@ QPainterPath capsulePath(const QRectF& rect) {
     return path;
 }
 
+/// Row by row, the same on all four sides.
+QRegion capsuleRegion(const QRectF& rect) {
+    const double radius = rect.height() / 2;
+    QRegion region;
+    for (int y = qRound(rect.top()); y < qRound(rect.bottom()); ++y) {
+        const double dy = y + 0.5 - rect.center().y();
+        const double inset = radius - std::sqrt(std::max(0.0, radius * radius - dy * dy));
+        const int left = qRound(rect.left() + inset), right = qRound(rect.right() - inset);
+        region += QRect(left, y, right - left, 1);
+    }
+    return region;
+}
+
 } // namespace
 
 HUDWidget::HUDWidget(const HUDView& view)
@@ -53,22 +66,17 @@ QRectF HUDWidget::capsule() const {
 }
 
 void HUDWidget::resizeEvent(QResizeEvent*) {
-    if (solid) setMask(QRegion(capsulePath(capsule()).toFillPolygon().toPolygon()));
+    if (solid) setMask(capsuleRegion(capsule()));
 }
 
 void HUDWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const auto area = capsule();
-    if (!solid) paintShadow(painter);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(withOpacity(palette().color(QPalette::Window), solid ? 1 : 0.86));
-    painter.drawPath(capsulePath(area));
-
-    constexpr double inset = outlineWidth / 2;
-    painter.setPen(QPen(withOpacity(color, outlineOpacity), outlineWidth));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawPath(capsulePath(area.adjusted(inset, inset, -inset, -inset)));
+    if (solid)
+        paintSolid(painter);
+    else
+        paintTranslucent(painter);
 
     const double left = area.left() + horizontalPadding;
     paintDot(painter, {left + dotSize / 2, area.center().y()});
@@ -76,6 +84,30 @@ void HUDWidget::paintEvent(QPaintEvent*) {
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawText(area.adjusted(horizontalPadding + dotSize + spacing, 0, 0, 0),
                      Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, target);
+}
+
+void HUDWidget::paintTranslucent(QPainter& painter) const {
+    paintShadow(painter);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withOpacity(palette().color(QPalette::Window), 0.86));
+    painter.drawPath(capsulePath(capsule()));
+
+    constexpr double inset = outlineWidth / 2;
+    painter.setPen(QPen(withOpacity(color, outlineOpacity), outlineWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPath(capsulePath(capsule().adjusted(inset, inset, -inset, -inset)));
+}
+
+/// The outline goes on outside the capsule: the mask is made of whole pixels, and what it leaves of
+/// them must not be black.
+void HUDWidget::paintSolid(QPainter& painter) const {
+    const auto ground = palette().color(QPalette::Window);
+    painter.fillRect(rect(), ground);
+    painter.fillRect(rect(), withOpacity(color, outlineOpacity));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground);
+    painter.drawPath(
+        capsulePath(capsule().adjusted(outlineWidth, outlineWidth, -outlineWidth, -outlineWidth)));
 }
 
 /// Rings that grow fainter with their distance from the capsule; none lies beneath it.

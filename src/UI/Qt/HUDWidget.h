@@ -23,6 +23,8 @@ protected:
 
 private:
     QRectF capsule() const;
+    void paintTranslucent(QPainter& painter) const;
+    void paintSolid(QPainter& painter) const;
     void paintShadow(QPainter& painter) const;
     void paintDot(QPainter& painter, QPointF center) const;
 
