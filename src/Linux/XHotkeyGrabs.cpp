@@ -52,6 +52,8 @@ void XHotkeyGrabs::renew() {
 bool XHotkeyGrabs::grab(Grab& next) {
     auto* c = connection.get();
     next.masks = keyboard.masksOf(eventFlags(next.hotkey.modifiers));
+    // A keymap that lacks one of the modifiers: nobody can press it, until there is another.
+    if (next.masks.empty()) return true;
     std::vector<xcb_void_cookie_t> cookies;
     for (const auto mask : next.masks)
         cookies.push_back(xcb_grab_key_checked(c, true, connection.root(),
@@ -76,6 +78,7 @@ bool XHotkeyGrabs::grab(Grab& next) {
 }
 
 void XHotkeyGrabs::ungrab(const Grab& old) {
+    if (old.masks.empty()) return;
     auto* c = connection.get();
     for (const auto mask : old.masks)
         xcb_ungrab_key(c, old.keyCode, connection.root(), static_cast<std::uint16_t>(mask));

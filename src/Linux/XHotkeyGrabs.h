@@ -25,7 +25,8 @@ class XHotkeyGrabs {
 public:
     XHotkeyGrabs(const XConnection& server, XKeyboard& keys) : connection(server), keyboard(keys) {}
 
-    /// False, with nothing grabbed, when another client has the combination. Waits for the server.
+    /// False, with nothing grabbed, when another client has the combination. One that the keymap
+    /// has no modifiers for is kept for a later keymap. Waits for the server.
     bool add(const Hotkey& hotkey);
     /// Grabs all anew, after the keymap has changed.
     void renew();

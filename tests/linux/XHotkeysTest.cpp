@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/XHotkeys.h"
-#include "linux/XStage.h"
+#include "linux/XorgStage.h"
 
 #include <gtest/gtest.h>
 
 #include <xcb/xinput.h>
+
+#include <QFile>
 
 namespace quenthisar::test {
 
@@ -103,12 +105,51 @@ TEST(XHotkeys, FireOncePerPressWhateverLocksAreOnAndNobodyElseSeesThem) {
     stage.press({leftControl, leftAlt, key1});
     stage.press({leftControl, leftSuper, key1});
     stage.press({key1});
-    // Held, it repeats; none of that is a press.
-    stage.onEvent = [](const TapEvent&) {};
-    for (const auto key : {leftControl, leftAlt, leftSuper, key1}) stage.hands.key(key, true);
-    ASSERT_TRUE(stage.waitFor({2}));
-    EXPECT_FALSE(runUntil([&] { return stage.pressed.size() > 1; }, std::chrono::seconds(1)));
-    for (const auto key : {leftControl, leftAlt, leftSuper, key1}) stage.hands.key(key, false);
+    stage.press({leftControl, leftAlt, leftSuper, leftShift, key1});
+    EXPECT_TRUE(stage.waitFor({3})) << "the chord and nothing else";
+}
+
+TEST(XHotkeys, AreOnePressHoweverLongTheyAreHeld) {
+    XorgStage stage;
+    stage.run(QStringLiteral("xset r rate 200 30"));
+    // A program with the same hotkey on a connection of its own, to see each event.
+    const auto connection = XConnection::open();
+    auto* c = connection->get();
+    const XOwned<xcb_input_xi_query_version_reply_t> version{
+        xcb_input_xi_query_version_reply(c, xcb_input_xi_query_version(c, 2, 2), nullptr)};
+    XKeyboard keyboard;
+    ASSERT_TRUE(version && keyboard.open(*connection));
+    XHotkeyGrabs grabs(*connection, keyboard);
+    ASSERT_TRUE(grabs.add({digit1, chord, {.id = 2}}));
+    int presses = 0, repeats = 0;
+    const std::array keys{leftControl, leftAlt, leftSuper, key1};
+    for (const auto key : keys) stage.keyboard.key(key, true);
+    EXPECT_TRUE(runUntil([&] {
+        while (const XOwned<xcb_generic_event_t> event{xcb_poll_for_event(c)}) {
+            const auto& press = reinterpret_cast<const xcb_input_key_press_event_t&>(*event);
+            if ((event->response_type & 0x7F) != XCB_GE_GENERIC ||
+                press.event_type != XCB_INPUT_KEY_PRESS)
+                continue;
+            if (grabs.match(press)) ++presses;
+            if (press.flags & XCB_INPUT_KEY_EVENT_FLAGS_KEY_REPEAT) ++repeats;
+        }
+        return repeats >= 10;
+    }));
+    EXPECT_EQ(presses, 1);
+    for (const auto key : keys) stage.keyboard.key(key, false);
+}
+
+TEST(XHotkeys, WorkWhicheverWindowIsFocused) {
+    HotkeyStage stage;
+    ASSERT_TRUE(stage.add(digit1, chord, 2));
+    const Witness other; // takes the focus
+    stage.press({leftControl, leftAlt, leftSuper, key1});
+    EXPECT_TRUE(stage.waitFor({2}));
+    EXPECT_EQ(stage.witness.seen().size(), 0U);
+    EXPECT_EQ(other.seen().size(), 6U);
+    stage.hands.focus(XCB_INPUT_FOCUS_POINTER_ROOT);
+    stage.press({leftControl, leftAlt, leftSuper, key1});
+    EXPECT_TRUE(stage.waitFor({2, 2}));
 }
 
 TEST(XHotkeys, StayWithTheirPlaceOnTheKeyboard) {
@@ -124,6 +165,56 @@ TEST(XHotkeys, StayWithTheirPlaceOnTheKeyboard) {
     EXPECT_TRUE(runUntil([&] {
         stage.press({leftControl, leftAlt, leftSuper, keyY});
         return !stage.pressed.empty();
+    }));
+}
+
+TEST(XHotkeys, WorkInEachGroupOfALayout) {
+    HotkeyStage stage;
+    stage.setLayout(QStringLiteral("us,de"));
+    ASSERT_TRUE(stage.add(letterY, chord, 1));
+    ASSERT_TRUE(stage.add(digit1, chordAndShift, 3));
+    const auto expectAll = [&](std::uint8_t option) {
+        stage.pressed.clear();
+        stage.press({leftControl, option, leftSuper, keyY});
+        stage.press({leftControl, option, leftSuper, leftShift, key1});
+        EXPECT_TRUE(stage.waitFor({1, 3})) << "option is key " << int{option};
+    };
+    expectAll(leftAlt);
+    stage.hands.lockGroup(1);
+    expectAll(leftAlt);
+    expectAll(rightAlt); // AltGr there
+    stage.hands.tap(capsLock);
+    expectAll(leftAlt);
+    stage.hands.tap(capsLock);
+    stage.hands.lockGroup(0);
+    expectAll(leftAlt);
+}
+
+TEST(XHotkeys, WaitForAKeymapThatHasTheirModifiers) {
+    HotkeyStage stage;
+    const auto path = stage.folder.filePath(QStringLiteral("keymap")); // without modifiers
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(R"text(xkb_keymap {
+        xkb_keycodes { include "evdev+aliases(qwerty)" };
+        xkb_types { include "complete" };
+        xkb_compatibility { include "complete" };
+        xkb_symbols { include "us(basic)" };
+    };)text");
+    file.close();
+    stage.run(QStringLiteral("xkbcomp -w0 %1 %2").arg(path, stage.server.display()));
+    XInputSession session{stage.space, stage.log}; // as at the start of the program
+    XHotkeys hotkeys{session};
+    int presses = 0;
+    hotkeys.installEventHandler([&](const HotkeyIdentity&) { ++presses; });
+    ASSERT_TRUE(hotkeys.registerEventHotKey(digit1, chord, {.id = 2}));
+    stage.witness.seen();
+    stage.press({leftControl, leftAlt, leftSuper, key1});
+    EXPECT_EQ(stage.witness.seen().size(), 8U) << "nobody has it";
+    stage.setLayout(QStringLiteral("us"));
+    EXPECT_TRUE(runUntil([&] {
+        stage.press({leftControl, leftAlt, leftSuper, key1});
+        return presses > 0;
     }));
 }
 

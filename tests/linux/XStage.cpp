@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "linux/XStage.h"
 
+#include "Linux/XcbXkb.h"
 #include "linux/XorgServer.h"
 
 #include <QApplication>
@@ -112,6 +113,19 @@ void Injector::killAllBut(const Witness& witness) const {
         for (xcb_window_t resource = 0; resource < 8; ++resource)
             if (std::ranges::count(survivors, client) == 0)
                 xcb_kill_client(connection->get(), client * idsOfAClient + resource);
+    sync();
+}
+
+void Injector::focus(xcb_window_t window) const {
+    xcb_set_input_focus(connection->get(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+    sync();
+}
+
+void Injector::lockGroup(std::uint8_t group) const {
+    auto* c = connection->get();
+    const XOwned<xcb_xkb_use_extension_reply_t> use{
+        xcb_xkb_use_extension_reply(c, xcb_xkb_use_extension(c, 1, 0), nullptr)};
+    xcb_xkb_latch_lock_state(c, XCB_XKB_ID_USE_CORE_KBD, 0, 0, true, group, 0, false, 0);
     sync();
 }
 

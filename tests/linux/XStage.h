@@ -53,6 +53,10 @@ public:
     /// X's modifier bits that are on; -1 if the server is gone.
     int modifiers() const;
     void killAllBut(const Witness& witness) const;
+    /// Gives the keyboard to a window, or to one of X's special ones.
+    void focus(xcb_window_t window) const;
+    /// Switches the layout's group: 0 is the first.
+    void lockGroup(std::uint8_t group) const;
     /// Everything asked for has been done.
     void sync() const;
     int descriptor() const { return xcb_get_file_descriptor(connection->get()); }
