@@ -103,15 +103,31 @@ protected:
 TEST_F(Tray, IsFoundByPanelsWheneverTheyCome) {
     start();
     for (int round = 0; round < 3; ++round) {
-        panel = std::make_unique<StatusPanel>(session->address(), round != 1);
+        panel = std::make_unique<StatusPanel>(session->address());
         ASSERT_TRUE(panel->waitForItem()) << round;
         EXPECT_EQ(panel->items.size(), 1) << round;
-        if (round == 1) panel->setHost(true);
         ASSERT_TRUE(panel->waitForMenu([](const PanelItem& menu) {
             return menu.children.size() == 5;
         })) << round;
         panel.reset();
     }
+}
+
+TEST_F(Tray, FollowsWhetherAnythingShowsIt) {
+    panel = std::make_unique<StatusPanel>(session->address(), false);
+    start();
+    ASSERT_TRUE(panel->waitForItem()) << "a host that comes later finds it";
+    const auto isBuilt = [this] {
+        const int before = builds;
+        status->menuMayHaveChanged();
+        return builds > before;
+    };
+    panel->itemProperty(u"Title"_s);
+    EXPECT_FALSE(isBuilt());
+    panel->setHost(true);
+    EXPECT_TRUE(StatusPanel::waitUntil(isBuilt));
+    panel->setHost(false);
+    EXPECT_TRUE(StatusPanel::waitUntil([&] { return !isBuilt(); }));
 }
 
 TEST_F(Tray, TellsThePanelWhatItIs) {
