@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Qt/Label.h"
 
+#include <QHelpEvent>
+#include <QStylePainter>
+#include <QToolTip>
+
 namespace quenthisar {
 
 namespace {
@@ -26,6 +30,34 @@ Label::Label(const QString& text, TextRole role, TextColor color, QWidget* paren
 
 void Label::setColor(TextColor color) {
     if (foregroundRole() != paletteRole(color)) setForegroundRole(paletteRole(color));
+}
+
+void Label::cutLongText() {
+    isCut = true;
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+}
+
+QString Label::cutText() const {
+    return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+}
+
+QSize Label::minimumSizeHint() const {
+    const auto size = QLabel::minimumSizeHint();
+    return isCut ? QSize(0, size.height()) : size;
+}
+
+bool Label::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || !isCut || cutText() == text())
+        return QLabel::event(event);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text().toHtmlEscaped(), this);
+    return true;
+}
+
+void Label::paintEvent(QPaintEvent* event) {
+    if (!isCut) return QLabel::paintEvent(event);
+    QStylePainter painter(this);
+    painter.drawItemText(contentsRect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                         palette(), isEnabled(), cutText(), foregroundRole());
 }
 
 } // namespace quenthisar

@@ -19,6 +19,18 @@ public:
                    TextColor color = TextColor::primary, QWidget* parent = nullptr);
 
     void setColor(TextColor color);
+    /// For names, on one line: what finds no room is cut, and told when the pointer rests here.
+    void cutLongText();
+    QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    QString cutText() const;
+
+    bool isCut = false;
 };
 
 } // namespace quenthisar

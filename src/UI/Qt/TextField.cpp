@@ -48,19 +48,19 @@ void TextField::show(const std::string& stored) {
     isShowing = false;
 }
 
-void TextField::leave() {
+void TextField::reload() {
     if (isEdited) show(binding.get());
 }
 
 void TextField::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     const auto reason = event->reason();
-    if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) leave();
+    if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason) reload();
 }
 
 void TextField::hideEvent(QHideEvent* event) {
     QLineEdit::hideEvent(event);
-    leave();
+    reload();
 }
 
 } // namespace quenthisar

@@ -20,6 +20,8 @@ public:
 
     /// Shows the stored text. Changes nothing while it is what the field has last seen.
     void refresh();
+    /// Shows the stored text, also in place of what was typed.
+    void reload();
 
 protected:
     void focusOutEvent(QFocusEvent* event) override;
@@ -27,7 +29,6 @@ protected:
 
 private:
     void write(const QString& text);
-    void leave();
     void show(const std::string& stored);
 
     Binding<std::string> binding;
