@@ -9,6 +9,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
+#include <QThread>
 
 #include <nlohmann/json.hpp>
 
@@ -105,6 +106,8 @@ Json written(const DefaultsValue& value) {
         value.value);
 }
 
+constexpr qint64 burstInterval = 100; // milliseconds
+
 } // namespace
 
 QString JsonFileDefaults::standardPath() {
@@ -114,9 +117,14 @@ QString JsonFileDefaults::standardPath() {
 JsonFileDefaults::JsonFileDefaults(QString file, SystemLog& systemLog)
     : path(std::move(file)), log(systemLog), root(std::make_unique<Json>(Json::object())) {
     load();
+    nextWrite.setSingleShot(true);
+    nextWrite.setTimerType(Qt::PreciseTimer);
+    nextWrite.callOnTimeout([this] { store(); });
 }
 
-JsonFileDefaults::~JsonFileDefaults() = default;
+JsonFileDefaults::~JsonFileDefaults() {
+    if (nextWrite.isActive()) store();
+}
 
 void JsonFileDefaults::load() {
     if (!QFileInfo::exists(path)) return;
@@ -147,7 +155,20 @@ void JsonFileDefaults::set(std::string_view key, DefaultsValue value) {
     auto next = written(value);
     if (place == next) return;
     std::swap(place, next);
-    if (write() || writeFailureLogged) return;
+    // Before the loop runs and after it, nothing would write later.
+    const bool isBurst = QThread::currentThread()->loopLevel() > 0 && key == lastKey &&
+                         sinceLastWrite.isValid() && !sinceLastWrite.hasExpired(burstInterval);
+    lastKey = key;
+    if (!isBurst) return store();
+    if (!nextWrite.isActive())
+        nextWrite.start(static_cast<int>(burstInterval - sinceLastWrite.elapsed()));
+}
+
+void JsonFileDefaults::store() {
+    nextWrite.stop();
+    const bool isWritten = write();
+    sinceLastWrite.start();
+    if (isWritten || writeFailureLogged) return;
     writeFailureLogged = true;
     log.log("Quenthisar: settings file cannot be written: " + path.toStdString());
 }

@@ -4,11 +4,14 @@
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 
+#include <QElapsedTimer>
 #include <QString>
+#include <QTimer>
 
 #include <nlohmann/json_fwd.hpp>
 
 #include <memory>
+#include <string>
 
 namespace quenthisar {
 
@@ -18,6 +21,9 @@ namespace quenthisar {
 /// A file that does not parse, is no object or far too large, and what is no file, is moved aside
 /// before anything is written. A file that cannot be written costs nothing but the storing. Each is
 /// logged once per process. A link is written through: what it leads to is replaced.
+///
+/// While the main loop runs, a key that is set again and again, as a slider does, is written at
+/// once and then every 100 ms: writing waits for the disk, and the loop carries input.
 class JsonFileDefaults final : public UserDefaults {
 public:
     /// `$XDG_CONFIG_HOME/quenthisar/defaults.json`, or the same in `~/.config`.
@@ -32,6 +38,7 @@ public:
 private:
     void load();
     void moveAside();
+    void store();
     bool write();
 
     QString path;
@@ -39,6 +46,10 @@ private:
     std::unique_ptr<nlohmann::json> root; // always an object
     bool mayReplace = true;               // false while a file that we could not read is in the way
     bool writeFailureLogged = false;
+
+    std::string lastKey; // that was written
+    QElapsedTimer sinceLastWrite;
+    QTimer nextWrite; // runs while something is not written yet
 };
 
 } // namespace quenthisar

@@ -3,10 +3,14 @@
 
 #include "support/FakeHost.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -152,6 +156,46 @@ TEST(JsonFileDefaults, NothingThatStandsInTheWayStopsTheStart) {
             2)
             << obstacle.name << " is kept, beside the new file";
     }
+}
+
+TEST(JsonFileDefaults, ABurstOfOneKeyIsWrittenAtOnceAndThenNowAndAgain) {
+    int argumentCount = 0;
+    const QCoreApplication application(argumentCount, nullptr);
+    Fixture f;
+    std::optional<JsonFileDefaults> defaults(std::in_place, f.path, f.log);
+    const auto stored = [&](std::string_view key) {
+        return valueOf<double>(f.open(), key).value_or(0);
+    };
+    int kept = 0;
+    QTimer::singleShot(0, [&] {
+        QElapsedTimer time;
+        time.start();
+        constexpr int sets = 50;
+        for (int set = 1; set <= sets; ++set) {
+            const auto before = stored("speed");
+            defaults->set("speed", {static_cast<double>(set)});
+            if (stored("speed") == before) ++kept;
+            if (set == 1) EXPECT_EQ(before + 1, stored("speed")) << "the first one at once";
+        }
+        if (time.elapsed() < 100) EXPECT_EQ(kept, sets - 1);
+        // Another key does not wait, and takes along what waits.
+        defaults->set("other", {1.0});
+        EXPECT_EQ(stored("other"), 1);
+        EXPECT_EQ(stored("speed"), sets);
+        defaults->set("other", {2.0});
+        QTimer::singleShot(0, [&] {
+            const QDeadlineTimer deadline(10'000);
+            while (stored("other") != 2 && !deadline.hasExpired())
+                QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
+            EXPECT_EQ(stored("other"), 2);
+            defaults->set("other", {3.0});
+            defaults->set("other", {4.0});
+            QCoreApplication::quit();
+        });
+    });
+    QCoreApplication::exec();
+    defaults.reset();
+    EXPECT_EQ(stored("other"), 4) << "the end of the program writes what waits";
 }
 
 TEST(JsonFileDefaults, ALinkIsWrittenThrough) {
