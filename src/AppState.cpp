@@ -201,6 +201,10 @@ void AppState::setSensitivity(double value, const Uuid& id) {
 std::string AppState::displayName(const Uuid& id) const {
     const auto nickname = nicknames->find(id);
     if (nickname != nicknames->end() && !nickname->second.empty()) return nickname->second;
+    return defaultName(id);
+}
+
+std::string AppState::defaultName(const Uuid& id) const {
     const Dongle* known = dongle(id);
     std::string name = known ? known->name : "Zandrovelkin";
     removeAll(name, " BLE");

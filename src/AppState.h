@@ -101,6 +101,9 @@ public:
     /// What the user interface calls a dongle, known or not.
     std::string displayName(const Uuid& id) const;
 
+    /// The same where the user has given it no nickname.
+    std::string defaultName(const Uuid& id) const;
+
     /// The dongle that has the input, or none.
     std::optional<Uuid> activeDongleID() const;
 

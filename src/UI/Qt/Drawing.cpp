@@ -51,6 +51,56 @@ void drawButton(QPainter& painter, const QStyleOption& option) {
     if (showsFocus(option)) drawFocusRing(painter, option.rect, controlRadius);
 }
 
+void drawSlider(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle) {
+    constexpr double lineHeight = 4, lineRadius = lineHeight / 2, margin = 1;
+    const QRectF area(option.rect);
+    const QRectF line(area.left() + margin, handle.center().y() - lineHeight / 2,
+                      area.width() - 2 * margin, lineHeight);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withOpacity(primaryColor(), 0.2));
+    painter.drawRoundedRect(line, lineRadius, lineRadius);
+    auto filled = line;
+    filled.setRight(handle.center().x());
+    painter.setBrush(accentColor());
+    painter.drawRoundedRect(filled, lineRadius, lineRadius);
+    painter.restore();
+
+    const bool isDown = (option.activeSubControls & QStyle::SC_SliderHandle) &&
+                        (option.state & QStyle::State_Sunken);
+    const auto knob = handle.adjusted(margin, margin, -margin, -margin);
+    const double radius = knob.height() / 2;
+    drawRounded(painter, knob, radius, isDown ? QColor(0xE4, 0xE4, 0xE4) : QColor(Qt::white),
+                withOpacity(Qt::black, 0.35));
+    if (showsFocus(option)) drawFocusRing(painter, handle, radius + margin);
+}
+
+void drawTab(QPainter& painter, const QStyleOptionTab& option) {
+    constexpr double horizontalInset = 2, verticalInset = 5;
+    const auto pill =
+        QRectF(option.rect)
+            .adjusted(horizontalInset, verticalInset, -horizontalInset, -verticalInset);
+    double opacity = 0;
+    if (option.state & QStyle::State_Selected)
+        opacity = 0.1;
+    else if (option.state & QStyle::State_MouseOver)
+        opacity = 0.05;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withOpacity(primaryColor(), opacity));
+    painter.drawRoundedRect(pill, controlRadius, controlRadius);
+    painter.restore();
+    if (showsFocus(option)) drawFocusRing(painter, pill, controlRadius);
+}
+
+void drawHairline(QPainter& painter, const QStyleOption& option) {
+    auto line = option.rect;
+    line.setTop(line.bottom());
+    painter.fillRect(line, withOpacity(primaryColor(), 0.12));
+}
+
 void drawBox(QPainter& painter, const QRectF& area) {
     const auto text = primaryColor();
     drawRounded(painter, area, boxRadius, withOpacity(text, 0.045), withOpacity(text, 0.09));

@@ -18,7 +18,7 @@ namespace {
 
 // In points.
 constexpr double trackWidth = 30, trackHeight = 18, knobMargin = 2;
-constexpr int ringSpace = 3, spacing = 8, lineHeight = 24;
+constexpr int spacing = 8, lineHeight = 24;
 
 } // namespace
 
@@ -46,7 +46,7 @@ void Switch::refresh() {
 
 QSize Switch::sizeHint() const {
     const int text = QFontMetrics(font()).horizontalAdvance(this->text());
-    return {static_cast<int>(trackWidth) + 2 * ringSpace + spacing + text, lineHeight};
+    return {static_cast<int>(trackWidth) + 2 * inset + spacing + text, lineHeight};
 }
 
 void Switch::paintEvent(QPaintEvent*) {
@@ -56,7 +56,7 @@ void Switch::paintEvent(QPaintEvent*) {
     option.initFrom(this);
 
     const QRectF line(rect());
-    const QRectF track(ringSpace, line.center().y() - trackHeight / 2, trackWidth, trackHeight);
+    const QRectF track(inset, line.center().y() - trackHeight / 2, trackWidth, trackHeight);
     constexpr double radius = trackHeight / 2;
     auto fill = isChecked() ? accentColor() : withOpacity(primaryColor(), isDark() ? 0.32 : 0.42);
     if (isDown()) fill = fill.darker(112);
@@ -69,8 +69,8 @@ void Switch::paintEvent(QPaintEvent*) {
     painter.setBrush(Qt::white);
     painter.drawEllipse(QRectF(left, track.top() + knobMargin, knob, knob));
     if (showsFocus(option)) {
-        const auto ring = track.adjusted(-ringSpace, -ringSpace, ringSpace, ringSpace);
-        drawFocusRing(painter, ring, radius + ringSpace);
+        const auto ring = track.adjusted(-inset, -inset, inset, inset);
+        drawFocusRing(painter, ring, radius + inset);
     }
 
     painter.setPen(palette().color(QPalette::WindowText));

@@ -11,6 +11,9 @@ namespace quenthisar {
 /// refused one falls back.
 class Switch final : public QCheckBox {
 public:
+    /// Where it begins in its place, in points: the ring of the keyboard goes around it.
+    static constexpr int inset = 3;
+
     Switch(Binding<bool> value, const QString& text, QWidget* parent = nullptr);
 
     /// Shows what the store says.

@@ -45,6 +45,7 @@ void TextField::show(const std::string& stored) {
     if (next == text()) return;
     isShowing = true;
     setText(next);
+    if (!hasFocus()) setCursorPosition(0); // the beginning of a long one is seen
     isShowing = false;
 }
 

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Qt/DigitsLabel.h"
+
+#include "UI/Qt/Typography.h"
+
+#include <QFontMetricsF>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace quenthisar {
+
+DigitsLabel::DigitsLabel(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setFont(quenthisar::font(TextRole::caption));
+}
+
+void DigitsLabel::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QFontMetricsF metrics(font());
+    double widest = 0;
+    for (char digit = '0'; digit <= '9'; ++digit)
+        widest = std::max(widest, metrics.horizontalAdvance(QLatin1Char(digit)));
+    const auto widthOf = [&](QChar character) {
+        return character.isDigit() ? widest : metrics.horizontalAdvance(character);
+    };
+    double width = 0;
+    for (const QChar character : text()) width += widthOf(character);
+    // The start is what counts of a number that finds no room.
+    double left = std::max(0.0, this->width() - width);
+    painter.setPen(palette().color(foregroundRole()));
+    for (const QChar character : text()) {
+        const QRectF cell(left, 0, widthOf(character), height());
+        painter.drawText(cell, Qt::AlignCenter | Qt::TextDontClip, QString(character));
+        left += cell.width();
+    }
+}
+
+} // namespace quenthisar

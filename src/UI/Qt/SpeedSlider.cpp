@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Qt/SpeedSlider.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace quenthisar {
+
+namespace {
+
+/// Of the slider's own positions. Finer than any screen, and each is a short decimal.
+constexpr double positionsPerUnit = 1000;
+constexpr int keySpan = 50, pageSpan = 250;
+
+/// Tells the speed, where the toolkit's own would tell positions.
+class AccessibleSpeed final : public QAccessibleWidget, public QAccessibleValueInterface {
+public:
+    explicit AccessibleSpeed(SpeedSlider* slider)
+        : QAccessibleWidget(slider, QAccessible::Slider), slider(*slider) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ValueInterface)
+            return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+
+    QVariant currentValue() const override { return slider.shown(); }
+    void setCurrentValue(const QVariant& value) override { slider.moveTo(value.toDouble()); }
+    QVariant minimumValue() const override { return slider.minimum() / positionsPerUnit; }
+    QVariant maximumValue() const override { return slider.maximum() / positionsPerUnit; }
+    QVariant minimumStepSize() const override { return keySpan / positionsPerUnit; }
+
+private:
+    SpeedSlider& slider;
+};
+
+QAccessibleInterface* makeAccessible(const QString& className, QObject* object) {
+    if (className != QLatin1String(SpeedSlider::staticMetaObject.className())) return nullptr;
+    return new AccessibleSpeed(static_cast<SpeedSlider*>(object));
+}
+
+} // namespace
+
+SpeedSlider::SpeedSlider(Binding<double> speed, Range range, QWidget* parent)
+    : QSlider(Qt::Horizontal, parent), binding(std::move(speed)) {
+    QAccessible::installFactory(makeAccessible); // once, however often
+    setRange(static_cast<int>(std::lround(range.slowest * positionsPerUnit)),
+             static_cast<int>(std::lround(range.fastest * positionsPerUnit)));
+    setSingleStep(keySpan);
+    setPageStep(pageSpan);
+    setFocusPolicy(Qt::StrongFocus);
+    connect(this, &QSlider::valueChanged, this, &SpeedSlider::write);
+    refresh();
+}
+
+void SpeedSlider::refresh() {
+    const double stored = binding.get() * positionsPerUnit;
+    const double lowest = minimum(), highest = maximum();
+    // What is no number shows as the lowest.
+    const auto position = stored >= lowest ? std::min(stored, highest) : lowest;
+    isShowing = true;
+    setValue(static_cast<int>(std::lround(position)));
+    isShowing = false;
+}
+
+double SpeedSlider::shown() const {
+    return value() / positionsPerUnit;
+}
+
+void SpeedSlider::moveTo(double speed) {
+    const double position = speed * positionsPerUnit;
+    if (position >= minimum() && position <= maximum())
+        setValue(static_cast<int>(std::lround(position)));
+}
+
+void SpeedSlider::write(int position) {
+    if (!isShowing) binding.set(position / positionsPerUnit);
+}
+
+/// The wheel belongs to the page, which would stop at each slider.
+void SpeedSlider::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+} // namespace quenthisar
