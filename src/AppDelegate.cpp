@@ -52,6 +52,7 @@ void AppDelegate::applicationDidFinishLaunching() {
     axTimer =
         ports.queue.every(accessibilityPollInterval, guard.bind([this] { pollAccessibility(); }));
     ports.displays.onChange(guard.bind([this] { screensChanged(); }));
+    showWindow();
     captureAutomatically();
 }
 
@@ -71,6 +72,20 @@ void AppDelegate::setCapture(bool on) {
     if (!on) return eventTap->stop();
     if (!ports.trust.isProcessTrusted()) return ports.trust.prompt();
     eventTap->start();
+}
+
+void AppDelegate::showWindow() {
+    if (!window) {
+        ConfigActions actions{
+            .connect = guard.bind([this](const Uuid& id) { dongleManager->connect(id); }),
+            .disconnect = guard.bind([this](const Uuid& id) { dongleManager->disconnect(id); }),
+            .identify = guard.bind([this](const Uuid& id) { dongleManager->identify(id); }),
+            .toggleCapture = guard.bind([this](bool on) { setCapture(on); }),
+            .promptAX = [&trust = ports.trust] { trust.prompt(); },
+        };
+        window = ports.windows.create({state, std::move(actions)});
+    }
+    window->makeKeyAndOrderFront();
 }
 
 void AppDelegate::screensChanged() {
@@ -133,8 +148,6 @@ void AppDelegate::takeOver(const std::optional<std::string>& representedObject) 
 void AppDelegate::pasteMenu() {
     if (const auto target = clipboardTarget()) clipboard->typeClipboard(*target);
 }
-
-void AppDelegate::showWindow() {}
 
 void AppDelegate::registerHotkeys() {
     hotkeys.registerHotkey(keyCodeV, chordModifiers, guard.bind([this] { pasteMenu(); }));

@@ -11,6 +11,7 @@
 #include "Platform/Ports.h"
 #include "Platform/StatusItem.h"
 #include "Support/WeakGuard.h"
+#include "UI/ConfigView.h"
 #include "UI/TakeoverHUD.h"
 
 #include <memory>
@@ -43,6 +44,7 @@ public:
     void takeOver(const std::optional<std::string>& representedObject);
     /// Types the clipboard's text on its target, if there is one.
     void pasteMenu();
+    /// Brings the configuration window to the front; the first call creates it.
     void showWindow();
 
     AppState state;
@@ -79,6 +81,7 @@ private:
     std::unique_ptr<StatusItem> statusItem;
     Subscription menuObserver;
     bool isMenuUpdateDue = false;
+    std::unique_ptr<ConfigWindow> window; // none before it is first shown
     std::unique_ptr<RepeatingTimer> axTimer;
     bool didAutoCapture = false; // at most once per process
     std::vector<Subscription> cancellables;

@@ -23,7 +23,9 @@
 #include "Linux/XPanel.h"
 #include "Linux/XPasteboard.h"
 #include "Linux/XToolkit.h"
+#include "UI/Qt/ConfigWindowWidget.h"
 #include "UI/Qt/HUDWidget.h"
+#include "UI/Qt/Style.h"
 #include "UI/Qt/Symbols.h"
 
 #include <QApplication>
@@ -74,6 +76,16 @@ private:
 QPixmap drawTemplate(const QString& name, int pixels, const QColor& tint) {
     return quenthisar::symbol(name, {pixels, pixels}, tint, 1);
 }
+
+/// The configuration window.
+class Windows final : public quenthisar::ConfigWindows {
+public:
+    std::unique_ptr<quenthisar::ConfigWindow> create(const quenthisar::ConfigView& view) override {
+        using namespace quenthisar;
+        // Asked for by the user, wherever that was: no window manager is to hold it back.
+        return std::make_unique<ConfigWindowWidget>(view, XToolkit::activate);
+    }
+};
 
 /// While the main loop runs. The toolkit ends the process by itself when it loses the X server.
 quenthisar::EventTapController* running = nullptr;
@@ -127,6 +139,7 @@ int main(int, char** argv) {
     const Application application(argumentCount, argv);
     qunsetenv("QT_NO_GLIB");
     XToolkit::ignoreButtonStates();
+    QApplication::setStyle(new Style);
     QApplication::setApplicationName(QStringLiteral("Quenthisar"));
     QApplication::setQuitOnLastWindowClosed(false);
     const ExitSignals exitSignals([] { QApplication::quit(); });
@@ -156,10 +169,13 @@ int main(int, char** argv) {
     XPasteboard pasteboard;
     QtSerialQueue typingQueue;
     TrayStatusBar statusBar(QDBusConnection::sessionBus(), drawTemplate);
+    Windows windows;
 
     AppDelegate delegate({queue, defaults, displays, taps, cursor, trust, central, loginItem,
-                          launcher, log, hotkeys, panels, pasteboard, typingQueue, statusBar});
+                          launcher, log, hotkeys, panels, pasteboard, typingQueue, statusBar,
+                          windows});
     delegate.applicationDidFinishLaunching();
+    instance.onActivate([&delegate] { delegate.showWindow(); });
     const SessionLock lock([&input](bool isLocked) { input.setDeaf(isLocked); });
     running = delegate.eventTap.get();
     std::atexit(releaseTarget);

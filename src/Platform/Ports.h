@@ -5,6 +5,7 @@ namespace quenthisar {
 
 class AccessibilityTrust;
 class Central;
+class ConfigWindows;
 class Cursor;
 class Displays;
 class EventTaps;
@@ -37,6 +38,7 @@ struct Ports {
     Pasteboard& pasteboard;
     SerialQueue& typingQueue;
     StatusBar& statusBar;
+    ConfigWindows& windows;
 };
 
 } // namespace quenthisar

@@ -5,6 +5,7 @@
 #include "Platform/Pasteboard.h"
 #include "Platform/SerialQueue.h"
 #include "Platform/StatusItem.h"
+#include "UI/ConfigView.h"
 #include "UI/HUDView.h"
 #include "support/VirtualClock.h"
 
@@ -186,5 +187,23 @@ inline void FakePanel::animateAlpha(double next, Seconds duration,
         if (done) done();
     });
 }
+
+/// Makes windows that only remember how often they were brought to the front.
+class FakeConfigWindows final : public ConfigWindows {
+public:
+    struct Window final : ConfigWindow {
+        explicit Window(int& counter) : shown(counter) {}
+        void makeKeyAndOrderFront() override { ++shown; }
+        int& shown;
+    };
+
+    std::unique_ptr<ConfigWindow> create(const ConfigView& view) override {
+        actions.push_back(view.actions);
+        return std::make_unique<Window>(shown);
+    }
+
+    std::vector<ConfigActions> actions; // of each window that was made
+    int shown = 0;
+};
 
 } // namespace quenthisar

@@ -99,7 +99,7 @@ World::Core& World::core() {
     if (made) return *made;
     if (plugged.empty()) plug("D1", {0, 0, 1920, 1080});
     delegate.emplace(Ports{clock, defaults, displays, taps, *this, trust, central, loginItem, *this,
-                           *this, hotkeys, panels, pasteboard, typing, statusBar});
+                           *this, hotkeys, panels, pasteboard, typing, statusBar, windows});
     delegate->applicationDidFinishLaunching();
     made.emplace(*delegate);
     clock.settle();

@@ -126,6 +126,7 @@ private:
     FakeAccessibilityTrust trust;
     VirtualThread typing{clock};
     FakeStatusBar statusBar;
+    FakeConfigWindows windows;
     std::optional<AppDelegate> delegate;
     std::optional<Core> made;
     std::vector<Subscription> subscriptions;

@@ -36,6 +36,7 @@ struct AppDelegateFixture {
     FakePasteboard pasteboard;
     FakeSerialQueue typing{clock};
     FakeStatusBar statusBar;
+    FakeConfigWindows windows;
     std::map<Uuid, std::shared_ptr<FakePeripheral>> dongles;
     std::optional<AppDelegate> delegate;
 
@@ -43,7 +44,8 @@ struct AppDelegateFixture {
         defaults.store("autoCapture", autoCapture);
         displays.add("D1", {0, 0, 1920, 1080});
         delegate.emplace(Ports{clock, defaults, displays, taps, taps, trust, central, loginItem,
-                               launcher, log, hotkeys, panels, pasteboard, typing, statusBar});
+                               launcher, log, hotkeys, panels, pasteboard, typing, statusBar,
+                               windows});
     }
     void finishLaunching() {
         delegate->applicationDidFinishLaunching();

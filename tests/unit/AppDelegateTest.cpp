@@ -81,6 +81,48 @@ TEST(AppDelegate, FollowsTheDisplays) {
     EXPECT_EQ(f.delegate->state.screens->size(), 2U);
 }
 
+TEST(AppDelegate, OpensItsOneWindowAtLaunchAndWheneverItIsAsked) {
+    Fixture f;
+    f.launch();
+    EXPECT_EQ(f.windows.shown, 1);
+    f.delegate->showWindow();
+    EXPECT_EQ(f.windows.shown, 2);
+    EXPECT_EQ(f.windows.actions.size(), 1U) << "made once";
+}
+
+TEST(AppDelegate, TheWindowReachesTheManagers) {
+    Fixture f;
+    f.launch(false);
+    f.discover({A});
+    const auto actions = f.windows.actions.at(0);
+    actions.connect(A);
+    f.clock.settle();
+    EXPECT_EQ(f.state().dongle(A)->state, DongleConnectionState::connected);
+    f.central.writes.clear();
+    actions.identify(A);
+    f.clock.advance(1s);
+    EXPECT_FALSE(f.sent(A).empty());
+    actions.disconnect(A);
+    f.clock.settle();
+    EXPECT_EQ(f.state().dongle(A)->state, DongleConnectionState::disconnected);
+
+    f.trust.trusted = false;
+    actions.toggleCapture(true);
+    EXPECT_FALSE(f.captures());
+    EXPECT_EQ(f.trust.prompts, 1);
+    actions.promptAX();
+    EXPECT_EQ(f.trust.prompts, 2);
+    f.trust.trusted = true;
+    actions.toggleCapture(true);
+    EXPECT_TRUE(f.captures());
+    actions.toggleCapture(false);
+    EXPECT_FALSE(f.captures());
+
+    f.delegate.reset();
+    actions.connect(A);
+    actions.toggleCapture(true);
+}
+
 TEST(AppDelegate, LeavesNothingBehindThatCallsIt) {
     Fixture f;
     f.launch();

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "UI/Qt/ConfigTabs.h"
+#include "UI/Qt/ConfigWindowWidget.h"
+#include "UI/Qt/TextField.h"
+#include "ui/UiFixture.h"
+
+#include <QScreen>
+#include <QScrollArea>
+#include <QTimer>
+
+namespace quenthisar {
+namespace {
+
+struct ConfigWindowTest : testing::Test, UiFixture {
+    int activations = 0;
+    ConfigWindowWidget window{{state, {}}, [this](WId) { ++activations; }};
+
+    void open() {
+        window.makeKeyAndOrderFront();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window, 10'000));
+    }
+};
+
+TEST_F(ConfigWindowTest, HasOneSizeButNeverMoreThanItsScreen) {
+    open();
+    const auto room = window.screen()->availableSize();
+    EXPECT_EQ(window.width(), std::min(480, room.width() - 8));
+    EXPECT_EQ(window.height(), std::min(628, room.height() - 36));
+    EXPECT_EQ(window.minimumSize(), window.maximumSize());
+    EXPECT_EQ(window.windowTitle(), "Quenthisar");
+    EXPECT_EQ(activations, 1);
+}
+
+TEST_F(ConfigWindowTest, ClosesByKeyAndComesBackAsItWas) {
+    open();
+    auto& tabs = *window.findChild<ConfigTabs*>();
+    tabs.setCurrentIndex(3);
+    window.move(17, 23);
+    settle();
+    QTest::keyClick(&window, Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window.isVisible());
+    open();
+    EXPECT_EQ(window.pos(), QPoint(17, 23));
+    EXPECT_EQ(tabs.currentIndex(), 3);
+}
+
+TEST_F(ConfigWindowTest, ComesBackFromMinimised) {
+    open();
+    window.showMinimized();
+    settle();
+    ASSERT_TRUE(window.isMinimized());
+    open();
+    EXPECT_FALSE(window.isMinimized());
+}
+
+TEST_F(ConfigWindowTest, QuitsByKeyWithoutATray) {
+    open();
+    bool didQuit = false;
+    QTimer::singleShot(0, [&] {
+        QTest::keyClick(&window, Qt::Key_Q, Qt::ControlModifier);
+        didQuit = true;
+    });
+    QTimer::singleShot(10'000, qApp, [] { QApplication::exit(1); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    EXPECT_TRUE(didQuit);
+}
+
+TEST_F(ConfigWindowTest, LongContentScrolls) {
+    std::vector<Dongle> many;
+    for (int i = 0; i < 20; ++i) many.push_back({Uuid::random(), "Zandrovelkin BLE"});
+    state.dongles = many;
+    open();
+    settle();
+    auto* last = window.findChildren<TextField*>().at(19);
+    last->setFocus(Qt::TabFocusReason);
+    for (auto* area : window.findChildren<QScrollArea*>())
+        if (area->isAncestorOf(last)) area->ensureWidgetVisible(last);
+    EXPECT_TRUE(window.rect().contains(last->mapTo(&window, last->rect().center())));
+    for (const auto* area : window.findChildren<QScrollArea*>())
+        EXPECT_LE(area->widget()->minimumSizeHint().width(), area->viewport()->width());
+}
+
+} // namespace
+} // namespace quenthisar
