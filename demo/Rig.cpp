@@ -2,6 +2,7 @@
 #include "Rig.h"
 
 #include "Binding.h"
+#include "ConfigurationWindow.h"
 #include "ReportLine.h"
 
 #include <algorithm>
@@ -35,7 +36,20 @@ Rig::Rig(Options given)
     if (options.onDongleLine) dongleProgram.onLine(options.onDongleLine);
     if (!dongleProgram.waitForLine(QStringLiteral("ready"), startLimit))
         throw std::runtime_error("the virtual dongle does not start");
-    writeSettings();
+    if (options.hasSettings) writeSettings();
+}
+
+QString Rig::dongleName() const {
+    return QStringLiteral("Target (%1)").arg(dongleUuid(dongleAddress).right(4));
+}
+
+void Rig::openProgram() {
+    program.reset();
+    program = startOnceMore();
+}
+
+QString Rig::settingsFile() const {
+    return folder.filePath(QStringLiteral("quenthisar/defaults.json"));
 }
 
 void Rig::writeSettings() {
@@ -56,6 +70,9 @@ ChildProcess::Environment Rig::environment() const {
         {QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()},
         {QStringLiteral("XDG_CONFIG_HOME"), folder.path()},
         {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")}};
+    if (options.isAccessible)
+        result.emplace_back(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"),
+                            QStringLiteral("1"));
     if (sessionBus) {
         result.emplace_back(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), sessionBus->address());
         result.emplace_back(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("x11"));
@@ -71,6 +88,8 @@ std::unique_ptr<ChildProcess> Rig::startOnceMore() const {
 
 void Rig::startProgram() {
     program.reset();
+    const XClient host{options.hostDisplay};
+    const auto focus = focusedWindow(host);
     const auto mark = dongleProgram.mark();
     program = startOnceMore();
     const auto isProbed = [](const QStringList& lines) {
@@ -81,9 +100,12 @@ void Rig::startProgram() {
     };
     if (!waitUntil(isDecided, startLimit))
         throw std::runtime_error("the program does not connect to the dongle");
-    if (program->isRunning()) return;
-    throw std::runtime_error(program->waitForEnd(0ms) == 0 ? "the program runs already"
-                                                           : "the program does not start");
+    if (!program->isRunning())
+        throw std::runtime_error(program->waitForEnd(0ms) == 0 ? "the program runs already"
+                                                               : "the program does not start");
+    // Its window would be in the way of what has the keyboard there.
+    if (options.ownSession && !closeConfigurationWindow(host, focus, startLimit))
+        throw std::runtime_error("the program's window does not open and close");
 }
 
 } // namespace quenthisar::demo

@@ -29,6 +29,10 @@ public:
         bool ownSession = true;
         /// The file that the program's standard error goes to; where empty, this one's.
         QString programErrors{};
+        /// False: the program is started for the first time.
+        bool hasSettings = true;
+        /// Whether assistive technology sees the program's windows.
+        bool isAccessible = false;
         ChildProcess::LineHandler onDongleLine{};
         /// How long the dongle's lines wait to be written together.
         std::chrono::milliseconds lineDelay{0};
@@ -37,9 +41,12 @@ public:
     /// Starts the dongle, not the program. Throws std::runtime_error if something doesn't start.
     explicit Rig(Options options);
 
-    /// Starts the program, anew if it ended, and waits until it has connected to the dongle. Throws
-    /// std::runtime_error if it doesn't.
+    /// Starts the program, anew if it ended, and waits until it has connected to the dongle. In a
+    /// session of its own its window is closed again. Throws std::runtime_error if it doesn't
+    /// start.
     void startProgram();
+    /// Starts the program and waits for nothing.
+    void openProgram();
     /// Starts the program as the user does who does not see that it runs.
     std::unique_ptr<ChildProcess> startOnceMore() const;
     /// Ends the program as a session manager does. Without effect if it doesn't run.
@@ -50,6 +57,10 @@ public:
     ChildProcess& quenthisar() { return *program; }
     QString configurationFolder() const { return folder.path(); }
     QString displayUuid() const { return boundDisplay; }
+    /// What the program calls the dongle, without a nickname.
+    QString dongleName() const;
+    /// Where the program's settings are.
+    QString settingsFile() const;
     /// Where the dongle can be asked for faults, and whoever else the program should find.
     QString systemBusAddress() const { return systemBus.address(); }
     /// Of the program's desktop. Only with a session of its own.

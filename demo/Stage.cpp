@@ -24,6 +24,8 @@ Stage::Stage(const Options& options)
            .targetDisplay = targetServer.display(),
            .cornerSlam = options.cornerSlam,
            .programErrors = options.programErrors,
+           .hasSettings = options.hasSettings,
+           .isAccessible = options.isAccessible,
            .onDongleLine = options.onDongleLine}),
       crossing(host, rig) {
     host.switchOffAcceleration();

@@ -16,6 +16,8 @@ public:
         Programs programs;
         bool cornerSlam = false;
         QString programErrors{}; // as in `Rig`
+        bool hasSettings = true;
+        bool isAccessible = false;
         ChildProcess::LineHandler onDongleLine{};
     };
 

@@ -17,7 +17,7 @@ bluetooth_packages=(bluez)
 stage_packages=(dbus-daemon xserver-xephyr xvfb xkb-data)
 # To test it.
 test_packages=(
-    clang-format clang-tidy libgtest-dev libxcb-shape0-dev openbox picom
+    at-spi2-core clang-format clang-tidy libgtest-dev libxcb-shape0-dev openbox picom
     x11-xkb-utils x11-xserver-utils xinput
     xserver-xorg-core xserver-xorg-dev xserver-xorg-video-dummy
 )

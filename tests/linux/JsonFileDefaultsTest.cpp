@@ -175,9 +175,13 @@ TEST(JsonFileDefaults, ABurstOfOneKeyIsWrittenAtOnceAndThenNowAndAgain) {
             const auto before = stored("speed");
             defaults->set("speed", {static_cast<double>(set)});
             if (stored("speed") == before) ++kept;
-            if (set == 1) EXPECT_EQ(before + 1, stored("speed")) << "the first one at once";
+            if (set == 1) {
+                EXPECT_EQ(before + 1, stored("speed")) << "the first one at once";
+            }
         }
-        if (time.elapsed() < 100) EXPECT_EQ(kept, sets - 1);
+        if (time.elapsed() < 100) {
+            EXPECT_EQ(kept, sets - 1);
+        }
         // Another key does not wait, and takes along what waits.
         defaults->set("other", {1.0});
         EXPECT_EQ(stored("other"), 1);

@@ -16,6 +16,7 @@ EdgeRow::EdgeRow(Edge rowEdge, QWidget* parent)
     constexpr int labelWidth = 64; // in points
     auto* label = new Label(QString::fromStdString(title(edge)));
     label->setFixedWidth(labelWidth);
+    label->setBuddy(picker);
     note->setToolTip(tr("The pointer passes to the display next to it here. The settings can allow "
                         "switching on such edges all the same."));
     // Rows stay where they are when an edge can be bound no more.
@@ -30,9 +31,12 @@ EdgeRow::EdgeRow(Edge rowEdge, QWidget* parent)
 
 void EdgeRow::show(const EdgesModel& model, const ScreenInfo& screen) {
     const auto binding = model.binding(screen, edge);
-    picker->setAccessibleName(tr("%1 edge of %2")
-                                  .arg(QString::fromStdString(title(edge)),
-                                       QString::fromStdString(screen.name).simplified()));
+    const auto meaning = tr("%1 edge of %2")
+                             .arg(QString::fromStdString(title(edge)),
+                                  QString::fromStdString(screen.name).simplified());
+    picker->setAccessibleName(meaning);
+    // Here the toolkit gives screen readers a picker's choice as its name.
+    picker->setAccessibleDescription(meaning);
     picker->show(binding, model.dongleOffers(binding.get()));
     const bool canBind = model.canBind(screen, edge);
     picker->setVisible(canBind);

@@ -23,9 +23,8 @@ void Style::drawPrimitive(PrimitiveElement element, const QStyleOption* option, 
     case PE_PanelLineEdit: return drawField(*painter, *option);
     case PE_PanelButtonCommand: return drawButton(*painter, *option);
     case PE_FrameLineEdit:
-    case PE_FrameDefaultButton: return;
-    // Drawn with the control.
-    case PE_FrameFocusRect: return;
+    case PE_FrameDefaultButton:
+    case PE_FrameFocusRect: return; // drawn with the control
     case PE_FrameTabBarBase: return drawHairline(*painter, *option);
     default: return QProxyStyle::drawPrimitive(element, option, painter, widget);
     }
