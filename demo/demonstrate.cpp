@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 // Shows a takeover without hardware. Ends with 0 only if what it shows is so.
-#include "Binding.h"
 #include "Interrupt.h"
 #include "RuntimeFolder.h"
 #include "Story.h"
@@ -9,7 +8,6 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 #include <QGuiApplication>
-#include <QRegularExpression>
 
 #include <csignal>
 #include <cstdio>
@@ -23,24 +21,9 @@ using namespace quenthisar::demo;
 
 constexpr unsigned longestPlay = 180; // s
 
-/// For the user's own program, until it has windows.
-bool printSettings(const QString& address) {
-    static const QRegularExpression form{QStringLiteral("^([0-9A-F]{2}:){5}[0-9A-F]{2}$")};
-    if (!form.match(address.toUpper()).hasMatch())
-        throw std::runtime_error("a Bluetooth address looks like C0:00:00:00:00:01");
-    const XClient desktop{qEnvironmentVariable("DISPLAY")};
-    const auto edge = rightEdge(desktop);
-    if (!edge) return false;
-    const auto text = settingsText(
-        {.displayUuid = edge->displayUuid, .dongleUuid = dongleUuid(address.toUpper())});
-    return std::fputs(text.constData(), stdout) >= 0;
-}
-
 bool run(const QCommandLineParser& parser, const Programs& programs) {
     const auto picture = QFileInfo{parser.value(QStringLiteral("picture"))}.absoluteFilePath();
     if (parser.isSet(QStringLiteral("virtual"))) return runTargetWindow(programs, picture);
-    if (parser.isSet(QStringLiteral("settings")))
-        return printSettings(parser.value(QStringLiteral("settings")));
     // Whatever waits in vain in spite of all limits: the children end with their parent.
     std::signal(SIGALRM, [](int) { ::_exit(1); });
     ::alarm(longestPlay);
@@ -62,10 +45,6 @@ int main(int argc, char** argv) {
     parser.addOptions(
         {{QStringLiteral("virtual"),
           QStringLiteral("Runs on this desktop instead, with a window as the target.")},
-         {QStringLiteral("settings"),
-          QStringLiteral("Prints settings that bind the right edge of this desktop to the dongle "
-                         "with this Bluetooth address instead."),
-          QStringLiteral("address")},
          {QStringLiteral("picture"), QStringLiteral("Where the picture of both screens goes."),
           QStringLiteral("file"), QStringLiteral("takeover.png")},
          {QStringLiteral("programs"), QStringLiteral("The folder of the programs."),

@@ -73,7 +73,8 @@ public:
     AccessibleDesktop(const AccessibleDesktop&) = delete;
     AccessibleDesktop& operator=(const AccessibleDesktop&) = delete;
 
-    /// The element of this role and name or description that a program shows, or none after `limit`.
+    /// The element of this role and name or description that a program shows, or none after
+    /// `limit`.
     std::optional<Accessible> element(const QString& role, const QString& name,
                                       std::chrono::milliseconds limit) const;
     /// What is there, for the message of a failed test.
