@@ -38,7 +38,8 @@ constexpr auto accessibleInterface = "org.a11y.atspi.Accessible";
 constexpr auto componentInterface = "org.a11y.atspi.Component";
 constexpr auto registry = "org.a11y.atspi.Registry";
 constexpr auto registryRoot = "/org/a11y/atspi/accessible/root";
-constexpr int answerLimit = 5000; // ms
+// The first call starts the accessibility bus.
+constexpr int answerLimit = 25'000; // ms
 
 QVariantList answer(const QDBusConnection& bus, const QString& service, const QString& path,
                     const QString& interface, const QString& method,

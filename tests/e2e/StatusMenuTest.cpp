@@ -131,11 +131,16 @@ TEST_F(StatusMenu, OpensFromATrayOfWindowsWhereThereIsNoPanel) {
     ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); })) << "it was started again";
 
     moveTo(SystemTray::frame.center());
-    for (const auto button : {std::uint8_t{1}, std::uint8_t{3}}) {
-        ASSERT_TRUE(waitUntil([&] {
+    // A second click on a menu that is about to come would choose from it.
+    const auto opensBy = [&](std::uint8_t button) {
+        const auto attempt = [&] {
             if (menusOnScreen() == 0) hands.click(button);
-            return menusOnScreen() == 1;
-        }));
+            return demo::waitUntil([&] { return menusOnScreen() == 1; }, 3s);
+        };
+        return demo::retry(attempt, soon);
+    };
+    for (const auto button : {std::uint8_t{1}, std::uint8_t{3}}) {
+        ASSERT_TRUE(opensBy(button));
         // Escape
         hands.key(*host.keyCodeOf(0xFF1B), true);
         hands.key(*host.keyCodeOf(0xFF1B), false);
@@ -147,10 +152,7 @@ TEST_F(StatusMenu, OpensFromATrayOfWindowsWhereThereIsNoPanel) {
         EXPECT_TRUE(waitUntil([&] { return !tray->hasIcon(); })) << "one icon is enough";
     }
     ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); })) << "the panel is gone";
-    ASSERT_TRUE(waitUntil([&] {
-        if (menusOnScreen() == 0) hands.click(1);
-        return menusOnScreen() == 1;
-    }));
+    ASSERT_TRUE(opensBy(1));
     hands.chord({*host.keyCodeOf(0xFFE3), *host.keyCodeOf('q')}); // Control
     EXPECT_EQ(end(), 0);
 }

@@ -70,8 +70,11 @@ const std::map<xcb_window_t, PanelWatch::Fades>& PanelWatch::fades() {
         switch (event->response_type & 0x7F) {
         case XCB_CREATE_NOTIFY: {
             const auto& created = reinterpret_cast<const xcb_create_notify_event_t&>(*event);
-            if (created.override_redirect)
-                select(c, created.window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+            if (!created.override_redirect) break;
+            select(c, created.window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+            // What changed before that is not told.
+            if (const auto value = opacityOf(created.window))
+                seen[created.window].in.insert(*value);
             break;
         }
         case XCB_PROPERTY_NOTIFY: {
