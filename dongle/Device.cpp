@@ -84,6 +84,7 @@ Device::Device(Context itsContext, const QString& adapter, Dongle& dongle,
 Device::~Device() {
     if (!connected) return;
     itsDongle.linked = false;
+    input.setReading(false);
     itsDongle.linkLost(u"removed"_s);
 }
 
@@ -246,6 +247,8 @@ void Device::loseLink(const QString& reason) {
     ++attempt;
     connected = false;
     itsDongle.linked = false;
+    // Nothing may be pressed after the release.
+    input.setReading(false);
     itsDongle.linkLost(reason);
     set(u"ServicesResolved"_s, false);
     for (const auto& call : std::exchange(pendingDisconnects, {})) context.tree.reply(call);

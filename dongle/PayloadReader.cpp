@@ -5,6 +5,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdint>
+#include <poll.h>
 #include <sys/socket.h>
 #include <sys/uio.h>
 #include <unistd.h>
@@ -78,6 +79,12 @@ void PayloadReader::run() {
     }
 }
 
+/// An empty payload looks the same to who reads.
+bool PayloadReader::isClosed() const {
+    pollfd state{.fd = descriptor, .events = POLLRDHUP, .revents = 0};
+    return ::poll(&state, 1, 0) > 0;
+}
+
 // One call takes all that is there: a second one, only to hear that there is no more, would cost as
 // much as the first.
 PayloadReader::Taken PayloadReader::takeBatch(int flags) {
@@ -92,7 +99,7 @@ PayloadReader::Taken PayloadReader::takeBatch(int flags) {
     const auto count = ::recvmmsg(descriptor, messages.data(), payloadsAtOnce, flags, nullptr);
     if (count < 0) return errno == EAGAIN || errno == EINTR ? Taken::none : Taken::end;
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-        if (messages[i].msg_len == 0) return Taken::end;
+        if (messages[i].msg_len == 0 && isClosed()) return Taken::end;
         handlers.take({buffers[i].data(), messages[i].msg_len});
     }
     return count > 0 ? Taken::some : Taken::end;

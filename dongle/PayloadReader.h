@@ -37,6 +37,7 @@ private:
 
     void run();
     Taken takeBatch(int flags);
+    bool isClosed() const;
 
     const int descriptor;
     const Handlers handlers;

@@ -95,6 +95,10 @@ int main(int argc, char** argv) {
         for (const auto& dongle : dongles)
             if (!dongle->hasTarget()) dongle->report(u"without a target"_s);
 
+    // The daemon's end has its lines too.
+    const struct AtTheEnd {
+        ~AtTheEnd() { flushJournal(); }
+    } flushing;
     Daemon daemon{{.delays = {.failedConnect = milliseconds(arguments.value(u"connect-timeout"_s)),
                               .disconnect = milliseconds(arguments.value(u"disconnect-delay"_s))},
                    .adapter = !arguments.isSet(u"no-adapter"_s),
@@ -109,7 +113,9 @@ int main(int argc, char** argv) {
     QObject::connect(&quit, &QSocketNotifier::activated, &application,
                      [] { QCoreApplication::exit(0); });
     const int status = QCoreApplication::exec();
-    for (const auto& dongle : dongles) dongle->shutDown();
-    flushJournal();
+    for (const auto& dongle : dongles) {
+        if (auto* device = daemon.deviceOf(*dongle)) device->setReading(false);
+        dongle->shutDown();
+    }
     return status;
 }
