@@ -39,8 +39,17 @@ bool XRescue::connect() {
 
 void XRescue::killClient(std::uint32_t resource) {
     if (xcb_connection_has_error(connection) != 0 && !connect()) return;
-    const auto cookie = xcb_kill_client_checked(connection, resource);
-    std::free(xcb_request_check(connection, cookie));
+    // Not waited for: a server that doesn't answer must not keep this from what comes next.
+    xcb_kill_client(connection, resource);
+    xcb_flush(connection);
+}
+
+int XRescue::descriptor() const {
+    return xcb_connection_has_error(connection) == 0 ? xcb_get_file_descriptor(connection) : -1;
+}
+
+void XRescue::drain() {
+    while (auto* event = xcb_poll_for_event(connection)) std::free(event);
 }
 
 void disconnectDongles(const std::vector<std::string>& paths) {

@@ -22,6 +22,10 @@ public:
     /// and shows the cursor. Without effect when the resource or the server is gone.
     void killClient(std::uint32_t resource);
 
+    /// Readable when something has come that is to be thrown away; -1 while there is no server.
+    int descriptor() const;
+    void drain();
+
 private:
     bool connect();
 

@@ -18,6 +18,8 @@ namespace {
 using namespace quenthisar::guard;
 using std::chrono::milliseconds;
 
+constexpr useconds_t shortRest = 100'000; // us
+
 /// In milliseconds, for poll; -1: for ever.
 int waitFor(const Watch& watch) {
     const auto deadline = watch.deadline();
@@ -45,10 +47,12 @@ int main() {
     XRescue server;
     Watch watch;
     for (;;) {
-        pollfd input{STDIN_FILENO, POLLIN, 0};
-        const int ready = ::poll(&input, 1, waitFor(watch));
-        if (ready < 0 && errno != EINTR) break;
-        if (ready > 0 && !takeMessage(watch)) break;
+        std::array<pollfd, 2> inputs{{{STDIN_FILENO, POLLIN, 0}, {server.descriptor(), POLLIN, 0}}};
+        const int ready = ::poll(inputs.data(), inputs.size(), waitFor(watch));
+        // Only the end of the channel is the end of the program.
+        if (ready < 0 && errno != EINTR) ::usleep(shortRest);
+        if (ready > 0 && inputs[0].revents != 0 && !takeMessage(watch)) break;
+        if (ready > 0 && inputs[1].revents != 0) server.drain();
         if (const auto resource = watch.expired(Watch::Clock::now())) server.killClient(*resource);
     }
     disconnectDongles(watch.dongles());

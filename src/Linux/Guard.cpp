@@ -60,9 +60,10 @@ Guard::Delivery Guard::start() {
     channel = ends[0];
     // Waiting for the process before it is there: this one may hang at any time.
     const auto delivery = send(message());
-    if (const auto process = spawn(guardProgram(), ends[1]); process > 0)
-        processes.push_back(process);
+    const auto process = spawn(guardProgram(), ends[1]);
     ::close(ends[1]);
+    if (process == 0) return Delivery::gone;
+    processes.push_back(process);
     return delivery;
 }
 
