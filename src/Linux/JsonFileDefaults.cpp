@@ -13,6 +13,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <iterator>
@@ -123,7 +124,11 @@ JsonFileDefaults::JsonFileDefaults(QString file, SystemLog& systemLog)
 }
 
 JsonFileDefaults::~JsonFileDefaults() {
-    if (nextWrite.isActive()) store();
+    flush();
+}
+
+void JsonFileDefaults::flush() {
+    if (!isWritten) store();
 }
 
 void JsonFileDefaults::load() {
@@ -153,20 +158,23 @@ std::optional<DefaultsValue> JsonFileDefaults::object(std::string_view key) cons
 void JsonFileDefaults::set(std::string_view key, DefaultsValue value) {
     auto& place = (*root)[std::string{key}];
     auto next = written(value);
-    if (place == next) return;
+    // What could not be written is tried again.
+    if (place == next && isWritten) return;
     std::swap(place, next);
+    isWritten = false;
     // Before the loop runs and after it, nothing would write later.
     const bool isBurst = QThread::currentThread()->loopLevel() > 0 && key == lastKey &&
                          sinceLastWrite.isValid() && !sinceLastWrite.hasExpired(burstInterval);
     lastKey = key;
     if (!isBurst) return store();
     if (!nextWrite.isActive())
-        nextWrite.start(static_cast<int>(burstInterval - sinceLastWrite.elapsed()));
+        nextWrite.start(
+            static_cast<int>(std::max<qint64>(burstInterval - sinceLastWrite.elapsed(), 0)));
 }
 
 void JsonFileDefaults::store() {
     nextWrite.stop();
-    const bool isWritten = write();
+    isWritten = write();
     sinceLastWrite.start();
     if (isWritten || writeFailureLogged) return;
     writeFailureLogged = true;

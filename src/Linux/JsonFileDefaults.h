@@ -32,6 +32,9 @@ public:
     JsonFileDefaults(QString path, SystemLog& log);
     ~JsonFileDefaults() override;
 
+    /// Writes what waits, for an end of the program without destructors.
+    void flush();
+
     std::optional<DefaultsValue> object(std::string_view key) const override;
     void set(std::string_view key, DefaultsValue value) override;
 
@@ -45,6 +48,7 @@ private:
     SystemLog& log;
     std::unique_ptr<nlohmann::json> root; // always an object
     bool mayReplace = true;               // false while a file that we could not read is in the way
+    bool isWritten = true;
     bool writeFailureLogged = false;
 
     std::string lastKey; // that was written

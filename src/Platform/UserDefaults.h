@@ -31,8 +31,8 @@ public:
     /// None when the key is absent.
     virtual std::optional<DefaultsValue> object(std::string_view key) const = 0;
 
-    /// Replaces the value under `key` and stores it before it returns. A store that cannot be
-    /// written keeps the value for this run.
+    /// Replaces the value under `key` and stores it, at once or, of one that changes all the time,
+    /// soon. A store that cannot be written keeps the value for this run.
     virtual void set(std::string_view key, DefaultsValue value) = 0;
 };
 
