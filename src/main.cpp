@@ -96,9 +96,16 @@ void openStandardStreams() {
         if (::fcntl(stream, F_GETFD) < 0) ::open("/dev/null", O_RDWR);
 }
 
+quenthisar::JsonFileDefaults* settings = nullptr;
+
 /// The target must not keep what is held down there.
 void releaseTarget() {
     if (auto* controller = std::exchange(running, nullptr)) controller->stop();
+}
+
+void endWithoutDestructors() {
+    releaseTarget();
+    if (settings) settings->flush();
 }
 
 /// What the user types must not land in a core dump.
@@ -178,12 +185,18 @@ int main(int, char** argv) {
     instance.onActivate([&delegate] { delegate.showWindow(); });
     const SessionLock lock([&input](bool isLocked) { input.setDeaf(isLocked); });
     running = delegate.eventTap.get();
-    std::atexit(releaseTarget);
+    settings = &defaults;
+    std::atexit(endWithoutDestructors);
     const int result = QApplication::exec();
 
+    settings = nullptr;
+    // Whoever starts the program now shall not be told that it runs.
+    instance.stopAnswering();
     // What is typed must not follow the releases.
     typingQueue.finish();
+    queue.finish();
     releaseTarget();
+    input.setDeaf(true);
     // A profile's chord may wait for its release.
     for (const auto& dongle : *delegate.state.dongles)
         delegate.dongleManager->send(Report::allKeysUp(), dongle.id);

@@ -26,11 +26,12 @@ private:
 } // namespace
 
 void QtMainQueue::async(std::function<void()> action) {
-    QMetaObject::invokeMethod(&context, std::move(action), Qt::QueuedConnection);
+    if (context) QMetaObject::invokeMethod(context.get(), std::move(action), Qt::QueuedConnection);
 }
 
 void QtMainQueue::after(Seconds delay, std::function<void()> action) {
-    QTimer::singleShot(roundedUp(delay), Qt::PreciseTimer, &context, std::move(action));
+    if (context)
+        QTimer::singleShot(roundedUp(delay), Qt::PreciseTimer, context.get(), std::move(action));
 }
 
 std::unique_ptr<RepeatingTimer> QtMainQueue::every(Seconds interval, std::function<void()> action) {

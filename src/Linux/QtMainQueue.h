@@ -5,6 +5,8 @@
 
 #include <QObject>
 
+#include <memory>
+
 namespace quenthisar {
 
 /// Qt's event loop as the main queue. Created and destroyed on the main thread; what is still
@@ -15,8 +17,11 @@ public:
     void after(Seconds delay, std::function<void()> action) override;
     std::unique_ptr<RepeatingTimer> every(Seconds interval, std::function<void()> action) override;
 
+    /// What is queued or comes later is never run.
+    void finish() { context.reset(); }
+
 private:
-    QObject context;
+    std::unique_ptr<QObject> context = std::make_unique<QObject>(); // none: finished
 };
 
 } // namespace quenthisar

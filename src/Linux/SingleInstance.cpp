@@ -4,6 +4,7 @@
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDeadlineTimer>
+#include <QThread>
 
 namespace quenthisar {
 
@@ -17,6 +18,7 @@ constexpr QLatin1String applicationInterface{"org.freedesktop.Application"};
 constexpr QLatin1String busDaemon{"org.freedesktop.DBus"};
 
 constexpr int answerLimit = 2000; // milliseconds
+constexpr unsigned long askAgain = 10;
 
 // The bus's own numbers.
 constexpr uint doNotQueue = 4;
@@ -32,7 +34,7 @@ bool isTaken(const QDBusConnection& bus) {
            reply.arguments().value(0).toUInt() == nameExists;
 }
 
-/// False when it has ended, or is silent for so many milliseconds.
+/// False when it has ended or is about to, or is silent for so many milliseconds.
 bool askToActivate(const QDBusConnection& bus, int limit) {
     auto request = QDBusMessage::createMethodCall(name, path, applicationInterface, u"Activate"_s);
     request << QVariantMap{};
@@ -40,7 +42,8 @@ bool askToActivate(const QDBusConnection& bus, int limit) {
     const auto reply = bus.call(request, QDBus::Block, limit);
     if (reply.type() != QDBusMessage::ErrorMessage) return true;
     const auto error = QDBusError(reply).type();
-    return error != QDBusError::ServiceUnknown && error != QDBusError::NoReply;
+    return error != QDBusError::ServiceUnknown && error != QDBusError::NoReply &&
+           error != QDBusError::UnknownObject;
 }
 
 } // namespace
@@ -59,10 +62,16 @@ SingleInstance::~SingleInstance() {
 bool SingleInstance::takeName() {
     const QDeadlineTimer limit(answerLimit);
     // Again if the other one ends before it has answered.
-    while (isTaken(bus))
+    while (isTaken(bus)) {
         if (limit.hasExpired() || askToActivate(bus, static_cast<int>(limit.remainingTime())))
             return false;
+        QThread::msleep(askAgain);
+    }
     return true;
+}
+
+void SingleInstance::stopAnswering() {
+    bus.unregisterObject(path);
 }
 
 void SingleInstance::ActivateAction(const QString& action, const QVariantList& /*parameter*/,

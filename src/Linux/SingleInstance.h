@@ -33,6 +33,8 @@ public:
 
     void onActivate(std::function<void()> action) { activate = std::move(action); }
     void onQuit(std::function<void()> action) { quit = std::move(action); }
+    /// From now on nothing is answered: another start waits until the name is free.
+    void stopAnswering();
 
     // The methods on the bus.
 

@@ -26,6 +26,7 @@ StatusNotifierHosts::StatusNotifierHosts(const QDBusConnection& bus, const QStri
 }
 
 void StatusNotifierHosts::watcherChanged() {
+    unknown = watcher.isThere();
     if (!watcher.isThere()) return set(false);
     // Whether or not it has a host yet: one that comes later finds the item there.
     watcher.call(watcherPath, watcherName, u"RegisterStatusNotifierItem"_s, {item},
@@ -40,6 +41,7 @@ void StatusNotifierHosts::hostChanged(const QDBusMessage& signal) {
 void StatusNotifierHosts::ask() {
     watcher.get(watcherPath, watcherName, u"IsStatusNotifierHostRegistered"_s,
                 [this](const QDBusMessage& reply) {
+                    unknown = reply.type() != QDBusMessage::ReplyMessage;
                     set(reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "v"_L1 &&
                         reply.arguments().at(0).value<QDBusVariant>().variant().toBool());
                 });

@@ -20,6 +20,8 @@ public:
 
     /// Whether a host shows items now.
     bool isThere() const { return there; }
+    /// Whether there is a watcher that does not say, and nobody should wait for.
+    bool isUnknown() const { return unknown; }
 
 private:
     Q_SLOT void hostChanged(const QDBusMessage& signal);
@@ -30,7 +32,7 @@ private:
 
     const QString item;
     std::function<void()> changed;
-    bool there = false;
+    bool there = false, unknown = false;
     BusPeer watcher;
 };
 

@@ -105,6 +105,8 @@ void TrayStatusItem::hostsChanged() {
 }
 
 void TrayStatusItem::showWindow() {
+    // The toolkit would ask the watcher too, and wait for its answer.
+    if (hosts->isUnknown()) return patience.start(waitForHost);
     // It waits by itself for a tray that it can be put into.
     window = std::make_unique<QSystemTrayIcon>(icon);
     window->setToolTip(description);

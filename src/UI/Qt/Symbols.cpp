@@ -49,10 +49,11 @@ QPixmap symbol(const QString& name, QSize points, const QColor& tint, qreal scal
                          .arg(tint.rgba());
     QPixmap pixmap;
     if (!QPixmapCache::find(key, &pixmap)) {
+        QSvgRenderer renderer(QStringLiteral(":/symbols/%1.svg").arg(name));
+        if (!renderer.isValid()) return {};
         pixmap = QPixmap(pixels);
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
-        QSvgRenderer renderer(QStringLiteral(":/symbols/%1.svg").arg(name));
         renderer.setAspectRatioMode(Qt::KeepAspectRatio);
         renderer.render(&painter, QRectF({}, QSizeF(pixels)));
         painter.setCompositionMode(QPainter::CompositionMode_SourceIn);

@@ -16,7 +16,7 @@ namespace quenthisar {
 using Tint = QColor (*)();
 
 // The drawings in assets/symbols, by their file's name without ".svg". An unknown name draws
-// nothing.
+// nothing, and its pixmap is null.
 
 /// `scale` is the number of pixels per point.
 QPixmap symbol(const QString& name, QSize points, const QColor& tint, qreal scale);
