@@ -9,6 +9,7 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QLabel>
+#include <QTextDocument>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -232,6 +233,33 @@ TEST(EdgesTab, AnUnknownDongleIsShownButNotOffered) {
     f.settle();
     EXPECT_EQ(f.state.dongleID("D1", Edge::left), std::optional{B});
     EXPECT_EQ(left.count(), 3);
+}
+
+TEST(EdgesTab, HintsTellNamesAsTheyAre) {
+    const QString name = "R&D <b>Desk</b> &amp;";
+    const auto seen = [](const QString& hint) {
+        if (!Qt::mightBeRichText(hint)) return hint;
+        QTextDocument document;
+        document.setHtml(hint);
+        return document.toPlainText();
+    };
+    Fixture f;
+    f.state.setNickname(name.toStdString(), A);
+    f.state.setNickname("R&D", B);
+    f.state.setBinding("D1", Edge::left, A);
+    f.state.setBinding("D1", Edge::bottom, B);
+    f.state.screens.modify([&](auto& list) { list.back().name = name.toStdString(); });
+    f.settle();
+    auto& left = f.picker("Left edge of Display D1");
+    ASSERT_EQ(left.currentText(), name);
+    EXPECT_EQ(seen(left.toolTip()), name);
+    EXPECT_EQ(seen(left.itemData(1, Qt::ToolTipRole).toString()), name);
+    EXPECT_EQ(seen(f.picker("Bottom edge of Display D1").toolTip()), "R&D");
+    EXPECT_EQ(seen(f.tile(name).toolTip()), name);
+
+    f.state.dongles = {};
+    f.settle();
+    EXPECT_EQ(seen(left.toolTip()), name + " has not been found since the program was started.");
 }
 
 } // namespace

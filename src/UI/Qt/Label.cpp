@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Qt/Label.h"
 
+#include "UI/Qt/Hints.h"
+
 #include <QHelpEvent>
 #include <QStylePainter>
 #include <QToolTip>
@@ -49,7 +51,7 @@ QSize Label::minimumSizeHint() const {
 bool Label::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip || !isCut || cutText() == text())
         return QLabel::event(event);
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text().toHtmlEscaped(), this);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), hint(text()), this);
     return true;
 }
 

@@ -2,6 +2,7 @@
 #include "UI/Qt/Picker.h"
 
 #include "UI/Qt/Colors.h"
+#include "UI/Qt/Hints.h"
 #include "UI/Qt/Symbols.h"
 #include "UI/Qt/Typography.h"
 
@@ -48,7 +49,7 @@ void Picker::fill(int index) {
     const auto& offer = offers[static_cast<std::size_t>(index)];
     const auto title = QString::fromStdString(offer.title).simplified();
     setItemText(index, title);
-    setItemData(index, title, Qt::ToolTipRole);
+    setItemData(index, hint(title), Qt::ToolTipRole);
     setItemIcon(index, offer.color
                            ? symbolIcon(QStringLiteral("circle.fill"), standardColor(*offer.color))
                            : QIcon());
@@ -59,10 +60,10 @@ void Picker::select() {
     const auto it = std::ranges::find(offers, selection.get(), &Offer::id);
     setCurrentIndex(it != offers.end() ? static_cast<int>(it - offers.begin()) : -1);
     // A long name may be cut.
-    const auto title = currentText().toHtmlEscaped();
-    setToolTip(it != offers.end() && !it->isAvailable
-                   ? tr("%1 has not been found since the program was started.").arg(title)
-                   : title);
+    const auto title = currentText();
+    setToolTip(hint(it != offers.end() && !it->isAvailable
+                        ? tr("%1 has not been found since the program was started.").arg(title)
+                        : title));
 }
 
 void Picker::choose(int index) {

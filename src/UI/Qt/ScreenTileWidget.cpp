@@ -3,6 +3,7 @@
 
 #include "UI/Qt/Colors.h"
 #include "UI/Qt/Drawing.h"
+#include "UI/Qt/Hints.h"
 #include "UI/Qt/Typography.h"
 
 #include <QFontMetricsF>
@@ -49,7 +50,7 @@ void ScreenTileWidget::show(const ScreenTile& next, const TileDrawing& nextDrawi
     drawing = nextDrawing;
     const auto name = QString::fromStdString(tile.name).simplified();
     setAccessibleName(name);
-    setToolTip(name.toHtmlEscaped());
+    setToolTip(hint(name));
     update();
 }
 
