@@ -188,6 +188,12 @@ TEST_F(DonglesTabTest, TellsWhoHasTheInputAndWhatIsMissing) {
     EXPECT_TRUE(shows("Active: <b>Desk</b>"));
 }
 
+TEST_F(DonglesTabTest, ALongNameDoesNotWidenTheTab) {
+    state.activeMode = std::string(200, 'W');
+    const DonglesTab other{{state, {}}};
+    EXPECT_EQ(other.minimumSizeHint().width(), tab.minimumSizeHint().width());
+}
+
 TEST_F(DonglesTabTest, EveryControlIsReachedByTab) {
     setLink(State::connected);
     state.axTrusted = true;

@@ -69,7 +69,9 @@ GroupBox* DonglesTab::makeWarning() {
 }
 
 GroupBox* DonglesTab::makeCaptureBox() {
-    active->setIndent(Switch::inset);
+    // In line with the switch; it may name another computer.
+    active->setContentsMargins(Switch::inset, 0, 0, 0);
+    active->cutLongText();
     auto* box = new GroupBox;
     box->content()->setSpacing(captureSpacing);
     box->content()->addWidget(capture);
