@@ -2,6 +2,7 @@
 #include "UI/Qt/EdgeRow.h"
 
 #include "UI/Qt/Drawing.h"
+#include "UI/Qt/Hints.h"
 #include "UI/Qt/Label.h"
 #include "UI/Qt/Picker.h"
 
@@ -34,9 +35,9 @@ void EdgeRow::show(const EdgesModel& model, const ScreenInfo& screen) {
     const auto meaning = tr("%1 edge of %2")
                              .arg(QString::fromStdString(title(edge)),
                                   QString::fromStdString(screen.name).simplified());
-    picker->setAccessibleName(meaning);
+    quenthisar::setAccessibleName(*picker, meaning);
     // Here the toolkit gives screen readers a picker's choice as its name.
-    picker->setAccessibleDescription(meaning);
+    quenthisar::setAccessibleDescription(*picker, meaning);
     picker->show(binding, model.dongleOffers(binding.get()));
     const bool canBind = model.canBind(screen, edge);
     picker->setVisible(canBind);

@@ -2,6 +2,7 @@
 #include "UI/Qt/ProfileCard.h"
 
 #include "UI/Qt/Colors.h"
+#include "UI/Qt/Hints.h"
 #include "UI/Qt/Label.h"
 #include "UI/Qt/SymbolButton.h"
 #include "UI/Qt/TextField.h"
@@ -71,6 +72,8 @@ QWidget* ProfileCard::makeTopRow() {
         marker->setChecked(*model.state.activeProfileID == id);
     });
     connect(trash, &QAbstractButton::clicked, this, [this] { model.state.deleteProfile(id); });
+    marker->setToolTip(tr("Make this profile active"));
+    trash->setToolTip(tr("Delete this profile"));
     name->setFixedWidth(nameWidth);
     hotkey->setToolTip(tr("Option is Alt or AltGr, Command is Super (the Windows key)."));
 
@@ -98,13 +101,12 @@ void ProfileCard::refresh(std::size_t position) {
     // By number where a person types the name, which must not be read out with each letter.
     const auto number = QString::number(position + 1);
     const auto title = QString::fromStdString(model.name(id).get()).simplified();
-    marker->setAccessibleName(tr("Make profile %1 active").arg(title));
-    marker->setToolTip(tr("Make this profile active"));
-    trash->setAccessibleName(tr("Delete profile %1").arg(title));
-    trash->setToolTip(tr("Delete this profile"));
-    name->setAccessibleName(tr("Name of profile %1").arg(number));
+    using quenthisar::setAccessibleName;
+    setAccessibleName(*marker, tr("Make profile %1 active").arg(title));
+    setAccessibleName(*trash, tr("Delete profile %1").arg(title));
+    setAccessibleName(*name, tr("Name of profile %1").arg(number));
     for (auto* field : {activate, deactivate, target})
-        field->setAccessibleName(tr("%1, profile %2").arg(field->placeholderText(), number));
+        setAccessibleName(*field, tr("%1, profile %2").arg(field->placeholderText(), number));
 }
 
 QWidget* ProfileCard::orderAfter(QWidget* before) {
