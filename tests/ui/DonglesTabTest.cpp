@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Qt/DonglesTab.h"
+#include "UI/Qt/Colors.h"
 #include "UI/Qt/DongleCard.h"
 #include "UI/Qt/Label.h"
 #include "UI/Qt/SpeedSlider.h"
@@ -192,6 +193,19 @@ TEST_F(DonglesTabTest, ALongNameDoesNotWidenTheTab) {
     state.activeMode = std::string(200, 'W');
     const DonglesTab other{{state, {}}};
     EXPECT_EQ(other.minimumSizeHint().width(), tab.minimumSizeHint().width());
+}
+
+TEST_F(DonglesTabTest, ColoursFollowTheDesktop) {
+    const auto previous = QApplication::palette();
+    for (const auto ground : {Qt::black, Qt::white}) {
+        QApplication::setPalette(QPalette(ground));
+        settle(); // the palette
+        settle(); // what is drawn with it
+        auto* swatch = controlsNamed<QWidget>(tab, "Its colour at the edges and in the panel")[0];
+        const auto image = swatch->grab().toImage();
+        EXPECT_EQ(image.pixelColor(image.rect().center()), standardColor(Palette::color(A)));
+    }
+    QApplication::setPalette(previous);
 }
 
 TEST_F(DonglesTabTest, EveryControlIsReachedByTab) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Qt/StateView.h"
 
+#include <QEvent>
 #include <QMetaObject>
 
 #include <utility>
@@ -26,6 +27,12 @@ void StateView::invalidate() {
 
 void StateView::refreshNow() {
     if (std::exchange(isStale, false)) refresh();
+}
+
+/// What a view has handed on may be a colour that the desktop shows otherwise from now on.
+void StateView::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::PaletteChange) invalidate();
+    QWidget::changeEvent(event);
 }
 
 void StateView::showEvent(QShowEvent* event) {

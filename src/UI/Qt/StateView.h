@@ -23,6 +23,7 @@ protected:
 
     /// Changes what differs from the store, and nothing else: a person may be typing in it.
     virtual void refresh() = 0;
+    void changeEvent(QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
     AppState& state;
