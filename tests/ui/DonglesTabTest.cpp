@@ -136,6 +136,19 @@ TEST_F(DonglesTabTest, TheLinkDecidesWhatCanBeDone) {
                                                "connect " + A.text()}));
 }
 
+TEST_F(DonglesTabTest, TheKeyboardStaysWithAButtonThatIsReplaced) {
+    setLink(State::disconnected);
+    button("Connect").setFocus();
+    setLink(State::connected);
+    EXPECT_EQ(QApplication::focusWidget(), &button("Disconnect"));
+    setLink(State::disconnected);
+    EXPECT_EQ(QApplication::focusWidget(), &button("Connect"));
+    setLink(State::connecting);
+    EXPECT_EQ(QApplication::focusWidget(), &nickname());
+    setLink(State::connected);
+    EXPECT_EQ(QApplication::focusWidget(), &nickname()) << "not taken from where it is";
+}
+
 TEST_F(DonglesTabTest, ARefusedCaptureLeavesTheSwitchOff) {
     auto& capture = *tab.findChild<Switch*>();
     isRefused = true;

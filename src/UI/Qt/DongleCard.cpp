@@ -100,18 +100,37 @@ QWidget* DongleCard::makeSpeedRow() {
 }
 
 void DongleCard::refresh(const Dongle& dongle) {
-    using State = DongleConnectionState;
     link->setColor(linkColor(dongle.state));
     link->setMeaning(linkText(dongle.state));
     color->setColor(standardColor(Palette::color(id)));
     nickname->refresh();
     slider->refresh();
     speed->setText(QString::fromStdString(DonglesModel::speedText(model.sensitivity(id).get())));
-    setShown(*identify, dongle.state == State::connected);
-    setShown(*connectButton, dongle.state == State::disconnected);
-    setShown(*connecting, dongle.state == State::connecting);
-    setShown(*disconnectButton, dongle.state == State::connected);
+    showActions(dongle.state);
     nameControls();
+}
+
+/// The toolkit would pass the keyboard from a button that vanishes on to the slider, which the same
+/// keys move.
+void DongleCard::showActions(DongleConnectionState state) {
+    using State = DongleConnectionState;
+    const bool isConnected = state == State::connected;
+    const bool isDisconnected = state == State::disconnected;
+    const auto* focused = window()->focusWidget();
+    const bool takesFocus =
+        (!isConnected && (focused == identify || focused == disconnectButton)) ||
+        (!isDisconnected && focused == connectButton);
+    if (takesFocus) {
+        QWidget* next = nickname;
+        if (isConnected) next = disconnectButton;
+        if (isDisconnected) next = connectButton;
+        next->show();
+        next->setFocus(Qt::OtherFocusReason);
+    }
+    setShown(*identify, isConnected);
+    setShown(*connectButton, isDisconnected);
+    setShown(*connecting, state == State::connecting);
+    setShown(*disconnectButton, isConnected);
 }
 
 /// By the default name: the nickname changes with each letter that is typed.

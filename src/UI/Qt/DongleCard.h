@@ -28,6 +28,7 @@ public:
 private:
     QWidget* makeTopRow();
     QWidget* makeSpeedRow();
+    void showActions(DongleConnectionState state);
     void nameControls();
 
     const DonglesModel& model;
