@@ -122,6 +122,8 @@ TEST(ProfilesTab, AddsByButtonAndByReturnAndEmptiesTheField) {
     EXPECT_EQ(name.text(), "Games");
     QTest::keyClick(&name, Qt::Key_Return);
     EXPECT_EQ(name.text(), "");
+    QTest::keyClick(&name, Qt::Key_Return);
+    ASSERT_EQ(f.state.profiles->size(), 3U) << "Return in an empty field adds nothing";
     EXPECT_EQ(f.profile(2).name, "Games");
     f.click("Add profile");
     EXPECT_EQ(f.profile(3).name, "Profile 4");

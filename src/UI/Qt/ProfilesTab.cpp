@@ -58,7 +58,10 @@ QWidget* ProfilesTab::makeNewRow() {
     addButton->setAccessibleName(tr("Add profile"));
     addButton->setAutoDefault(false);
     connect(addButton, &QPushButton::clicked, this, &ProfilesTab::add);
-    connect(newName, &QLineEdit::returnPressed, this, &ProfilesTab::add);
+    // An unnamed profile is the button's: Return may be pressed once too often.
+    connect(newName, &QLineEdit::returnPressed, this, [this] {
+        if (!newName->text().isEmpty()) add();
+    });
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins({});
