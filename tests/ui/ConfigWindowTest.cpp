@@ -44,6 +44,16 @@ TEST_F(ConfigWindowTest, ClosesByKeyAndComesBackAsItWas) {
     EXPECT_EQ(tabs.currentIndex(), 3);
 }
 
+TEST_F(ConfigWindowTest, ComesBackToAScreenThatIsThere) {
+    open();
+    const auto screen = window.screen()->geometry();
+    window.move(screen.bottomRight() + QPoint(100, 100));
+    settle();
+    window.close();
+    open();
+    EXPECT_TRUE(screen.contains(window.geometry().center()));
+}
+
 TEST_F(ConfigWindowTest, ComesBackFromMinimised) {
     open();
     window.showMinimized();

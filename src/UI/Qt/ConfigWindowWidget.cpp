@@ -44,12 +44,26 @@ ConfigWindowWidget::ConfigWindowWidget(const ConfigView& view, Activate activate
     onKeys(Qt::CTRL | Qt::Key_Q, [] { QApplication::quit(); });
 
     fit();
+    center();
+}
+
+void ConfigWindowWidget::center() {
     const auto available = screen()->availableGeometry();
     move(available.center() - QRect({}, size() + frameAllowance).center());
 }
 
+/// Where it was; but its screen may be gone, and a window is moved by its title.
+void ConfigWindowWidget::comeBack(QPoint place) {
+    const QRect title(place, QSize(width(), frameAllowance.height()));
+    const auto shows = [&](const QScreen* one) { return one->geometry().intersects(title); };
+    if (std::ranges::any_of(QGuiApplication::screens(), shows))
+        move(place);
+    else
+        center();
+}
+
 void ConfigWindowWidget::makeKeyAndOrderFront() {
-    if (closedAt && !isVisible()) move(*std::exchange(closedAt, std::nullopt));
+    if (closedAt && !isVisible()) comeBack(*std::exchange(closedAt, std::nullopt));
     setWindowState((windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
     show();
     raise();

@@ -30,6 +30,8 @@ protected:
 private:
     void follow(QScreen* screen);
     void fit();
+    void center();
+    void comeBack(QPoint place);
 
     Activate activate;
     std::optional<QPoint> closedAt; // of its frame
