@@ -113,6 +113,19 @@ TEST(ProfilesTab, OnlyTheLastProfileCannotBeDeleted) {
     EXPECT_TRUE(controlsNamed<QLineEdit>(f.tab, "Name of profile 2").empty());
 }
 
+TEST(ProfilesTab, ADoubleClickDeletesOneProfile) {
+    Fixture f;
+    f.state.addProfile("Third");
+    f.settle();
+    const int interval = QApplication::doubleClickInterval();
+    QApplication::setDoubleClickInterval(60'000);
+    f.click("Delete profile Second");
+    f.click("Delete profile Third");
+    QApplication::setDoubleClickInterval(interval);
+    ASSERT_EQ(f.state.profiles->size(), 2U);
+    EXPECT_EQ(f.profile(1).name, "Third");
+}
+
 TEST(ProfilesTab, AddsByButtonAndByReturnAndEmptiesTheField) {
     Fixture f;
     auto& name = f.field("New profile name");

@@ -28,8 +28,9 @@ QColor dangerColor() {
 
 } // namespace
 
-ProfileCard::ProfileCard(const ProfilesModel& profilesModel, const Uuid& profile, QWidget* parent)
-    : GroupBox({}, parent), id(profile), model(profilesModel),
+ProfileCard::ProfileCard(const ProfilesModel& profilesModel, const Uuid& profile,
+                         Remove removeProfile, QWidget* parent)
+    : GroupBox({}, parent), id(profile), model(profilesModel), remove(std::move(removeProfile)),
       marker(new SymbolButton(QStringLiteral("circle"), secondaryColor, {})),
       name(new TextField(model.name(id), tr("Name"), {})),
       hotkey(new Label({}, TextRole::caption2, TextColor::secondary)),
@@ -71,7 +72,7 @@ QWidget* ProfileCard::makeTopRow() {
         model.state.switchProfile(id);
         marker->setChecked(*model.state.activeProfileID == id);
     });
-    connect(trash, &QAbstractButton::clicked, this, [this] { model.state.deleteProfile(id); });
+    connect(trash, &QAbstractButton::clicked, this, [this] { remove(id); });
     marker->setToolTip(tr("Make this profile active"));
     trash->setToolTip(tr("Delete this profile"));
     name->setFixedWidth(nameWidth);

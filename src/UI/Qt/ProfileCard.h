@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 
 namespace quenthisar {
 
@@ -16,8 +17,11 @@ class TextField;
 /// Edits one profile.
 class ProfileCard final : public GroupBox {
 public:
+    using Remove = std::function<void(const Uuid&)>;
+
     /// The model outlives the card.
-    ProfileCard(const ProfilesModel& profilesModel, const Uuid& profile, QWidget* parent = nullptr);
+    ProfileCard(const ProfilesModel& profilesModel, const Uuid& profile, Remove removeProfile,
+                QWidget* parent = nullptr);
 
     /// Shows the profile, which stands at `position` of the list.
     void refresh(std::size_t position);
@@ -32,6 +36,7 @@ private:
                          const QString& explanation);
 
     const ProfilesModel& model;
+    Remove remove;
     SymbolButton* marker;
     TextField* name;
     Label* hotkey;

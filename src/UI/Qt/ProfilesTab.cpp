@@ -5,6 +5,7 @@
 #include "UI/Qt/ProfileCard.h"
 #include "UI/Qt/TextField.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -76,6 +77,13 @@ void ProfilesTab::add() {
     newName->reload();
 }
 
+/// Of a double click the second one meets the card that has moved up.
+void ProfilesTab::remove(const Uuid& id) {
+    if (removal.isValid() && !removal.hasExpired(QApplication::doubleClickInterval())) return;
+    removal.start();
+    model.state.deleteProfile(id);
+}
+
 void ProfilesTab::refresh() {
     const auto ids = [](const auto& list, auto id) {
         std::vector<Uuid> result;
@@ -97,7 +105,8 @@ void ProfilesTab::matchCards() {
             cards.push_back(*it);
             previous.erase(it);
         } else {
-            cards.push_back(new ProfileCard(model, profile.id, this));
+            cards.push_back(new ProfileCard(
+                model, profile.id, [this](const Uuid& id) { remove(id); }, this));
         }
     }
     for (auto* gone : previous) {

@@ -4,6 +4,8 @@
 #include "UI/ProfilesModel.h"
 #include "UI/Qt/StateView.h"
 
+#include <QElapsedTimer>
+
 #include <vector>
 
 class QPushButton;
@@ -25,6 +27,7 @@ protected:
 private:
     QWidget* makeNewRow();
     void add();
+    void remove(const Uuid& id);
     void matchCards();
 
     ProfilesModel model;
@@ -32,6 +35,7 @@ private:
     std::vector<ProfileCard*> cards; // one for each profile
     TextField* newName;
     QPushButton* addButton;
+    QElapsedTimer removal; // since the last one
 };
 
 } // namespace quenthisar
