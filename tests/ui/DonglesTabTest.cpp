@@ -11,6 +11,7 @@
 #include <QAccessible>
 #include <QLayout>
 #include <QPushButton>
+#include <QStyleOptionSlider>
 
 namespace quenthisar {
 namespace {
@@ -112,6 +113,29 @@ TEST_F(DonglesTabTest, ShowingASpeedNeverWritesIt) {
     QTest::keyClick(&slider(), Qt::Key_End);
     EXPECT_EQ(state.sensitivities->at(A), 3.0);
     EXPECT_EQ(defaults.writes, (std::vector<std::string>{"sensitivities", "sensitivities"}));
+}
+
+TEST_F(DonglesTabTest, AHandleStaysUnderThePointerThatHoldsIt) {
+    const auto middle = [this] {
+        QStyleOptionSlider option;
+        option.initFrom(&slider());
+        option.minimum = slider().minimum();
+        option.maximum = slider().maximum();
+        option.sliderPosition = slider().value();
+        return slider()
+            .style()
+            ->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, &slider())
+            .center();
+    };
+    const auto before = middle();
+    const auto held = before + QPoint(6, 0);
+    QTest::mousePress(&slider(), Qt::LeftButton, {}, held);
+    EXPECT_EQ(slider().shown(), 1.0);
+    EXPECT_TRUE(defaults.writes.empty());
+    QTest::mouseMove(&slider(), held + QPoint(40, 0));
+    EXPECT_NEAR(middle().x(), before.x() + 40, 1);
+    QTest::mouseRelease(&slider(), Qt::LeftButton, {}, held + QPoint(40, 0));
+    EXPECT_EQ(state.sensitivities->at(A), slider().shown());
 }
 
 TEST_F(DonglesTabTest, TheLinkDecidesWhatCanBeDone) {

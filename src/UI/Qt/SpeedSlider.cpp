@@ -3,6 +3,8 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <QMouseEvent>
+#include <QStyleOptionSlider>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -44,6 +46,17 @@ QAccessibleInterface* makeAccessible(const QString& className, QObject* object) 
     return new AccessibleSpeed(static_cast<SpeedSlider*>(object));
 }
 
+QMouseEvent shifted(const QMouseEvent& event, QPoint by) {
+    return {event.type(),
+            event.position() + by,
+            event.scenePosition() + by,
+            event.globalPosition() + by,
+            event.button(),
+            event.buttons(),
+            event.modifiers(),
+            event.pointingDevice()};
+}
+
 } // namespace
 
 SpeedSlider::SpeedSlider(Binding<double> speed, Range range, QWidget* parent)
@@ -80,6 +93,30 @@ void SpeedSlider::moveTo(double speed) {
 
 void SpeedSlider::write(int position) {
     if (!isShowing) binding.set(position / positionsPerUnit);
+}
+
+/// The toolkit would bring the middle of the handle to the pointer.
+void SpeedSlider::mousePressEvent(QMouseEvent* event) {
+    QStyleOptionSlider option;
+    initStyleOption(&option);
+    const auto handle =
+        style()->subControlRect(QStyle::CC_Slider, &option, QStyle::SC_SliderHandle, this);
+    const auto place = event->position().toPoint();
+    const bool holds = event->button() == Qt::LeftButton && handle.contains(place);
+    grip = holds ? handle.center() - place : QPoint();
+    const int before = value();
+    isShowing = holds;
+    auto press = shifted(*event, grip);
+    QSlider::mousePressEvent(&press);
+    event->setAccepted(press.isAccepted());
+    if (holds) setValue(before);
+    isShowing = false;
+}
+
+void SpeedSlider::mouseMoveEvent(QMouseEvent* event) {
+    auto moved = shifted(*event, grip);
+    QSlider::mouseMoveEvent(&moved);
+    event->setAccepted(moved.isAccepted());
 }
 
 /// The wheel belongs to the page, which would stop at each slider.

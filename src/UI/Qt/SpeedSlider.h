@@ -27,12 +27,15 @@ public:
     void moveTo(double speed);
 
 protected:
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
 private:
     void write(int position);
 
     Binding<double> binding;
+    QPoint grip; // from the pointer to the middle of the handle that it holds
     bool isShowing = false;
 };
 
