@@ -124,18 +124,18 @@ TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
 }
 
 TEST_F(StatusMenu, OpensFromATrayOfWindowsWhereThereIsNoPanel) {
-    auto tray = std::make_unique<SystemTray>(hostServer.display());
+    const auto tray = std::make_unique<SystemTray>(hostServer.display());
     ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); }));
-    tray = nullptr;
-    tray = std::make_unique<SystemTray>(hostServer.display());
-    ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); })) << "it was started again";
-
     moveTo(SystemTray::frame.center());
     // A second click on a menu that is about to come would choose from it.
     const auto opensBy = [&](std::uint8_t button) {
         const auto attempt = [&] {
-            if (menusOnScreen() == 0) hands.click(button);
-            return demo::waitUntil([&] { return menusOnScreen() == 1; }, 3s);
+            hands.click(button);
+            if (demo::waitUntil([&] { return menusOnScreen() == 1; }, 2s)) return true;
+            // Whatever came instead, or comes late: from the beginning.
+            hands.chord({*host.keyCodeOf(0xFF1B)}); // Escape
+            demo::waitUntil([&] { return menusOnScreen() == 0; }, 2s);
+            return false;
         };
         return demo::retry(attempt, soon);
     };
