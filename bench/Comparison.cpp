@@ -62,7 +62,7 @@ void measure(Subject& subject, double share, Figure& row) {
     subject.takePayloads();
     const auto usedBefore = usedBy(processes), serversBefore = usedBy(subject.servers()),
                dongleBefore = usedBy(subject.dongle());
-    const auto made = inject(subject.host(), stimuli, [&] { subject.attend(); });
+    const auto made = inject(subject.devices(), stimuli, [&] { subject.attend(); });
     waitForAll(subject, receiver, stimuli);
 
     row.servers += usedBy(subject.servers()) - serversBefore;
@@ -128,7 +128,7 @@ std::vector<Usage> measureUsages(ProgramSubject& program, const Extent& extent) 
     const auto move = [&](int rate) {
         const auto seconds = std::chrono::duration<double>{extent.local}.count();
         const auto stimuli = Load{"", rate, 0, Kind::motion, seconds}.stimuli(1);
-        inject(program.host(), stimuli, [&] { program.attend(); });
+        inject(program.devices(), stimuli, [&] { program.attend(); });
     };
     add("idle in a takeover", 0.1, idle);
     program.leave();

@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 constexpr std::array<std::uint8_t, 4> letterKeys{38, 39, 40, 41}; // A, S, D and F by position
 constexpr std::array<std::uint8_t, 3> buttons{1, 3, 2};
-constexpr std::array<std::uint8_t, 2> wheelButtons{4, 5};
+constexpr std::array<std::uint8_t, 2> wheelButtons{wheelUp, wheelDown};
 constexpr int stepsOneWay = 300;
 
 template <std::size_t size>

@@ -14,6 +14,9 @@ using std::chrono::nanoseconds;
 
 enum class Kind { motion, key, button, scroll };
 
+/// What X calls a line of a wheel up and down.
+constexpr std::uint8_t wheelUp = 4, wheelDown = 5;
+
 /// What a hand does at one moment.
 struct Stimulus {
     nanoseconds due{}; // from the start of the load

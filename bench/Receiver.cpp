@@ -58,6 +58,8 @@ std::optional<Arrival> arrivalOf(const xcb_generic_event_t& event, Clock::time_p
     switch (raw.event_type) {
     case XCB_INPUT_RAW_MOTION:
         result.delta = motionOf(reinterpret_cast<const xcb_input_raw_motion_event_t&>(event));
+        // What a wheel turns is told with its clicks, too.
+        if (result.delta.isNull()) return std::nullopt;
         return result;
     case XCB_INPUT_RAW_KEY_PRESS:
     case XCB_INPUT_RAW_KEY_RELEASE:

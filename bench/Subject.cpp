@@ -3,6 +3,9 @@
 
 #include "demo/Crossing.h"
 #include "demo/ReportLine.h"
+#include "demo/XorgServer.h"
+
+#include <QTemporaryDir>
 
 #include <stdexcept>
 #include <thread>
@@ -21,38 +24,58 @@ constexpr auto lineDelay = 500ms;
 /// Until the panel of a takeover has faded out: it is no part of what an event costs.
 constexpr auto panelGone = 3500ms;
 
-class Direct final : public Subject {
+/// The server whose input is taken: one with devices like real ones.
+class Host {
 public:
-    Direct() { client.switchOffAcceleration(); }
+    Host() {
+        demo::useKeymapOfDesktops(server);
+        xClient.switchOffAcceleration();
+    }
 
-    const char* name() const override { return "direct"; }
-    const XClient& host() const override { return client; }
-    QString targetDisplay() const override { return server.display(); }
-    QList<pid_t> servers() const override { return {server.pid()}; }
+    QString display() const { return server.display(); }
+    pid_t pid() const { return server.pid(); }
+    const XClient& client() const { return xClient; }
+    const Devices& devices() const { return itsDevices; }
 
 private:
-    const XServer server;
-    const XClient client{server.display()};
+    demo::InputTestDevice deviceAt(const char* socket) const {
+        return demo::InputTestDevice{folder.filePath(QString::fromLatin1(socket)),
+                                     demo::InputTestDevice::Return::atOnce};
+    }
+
+    const QTemporaryDir folder;
+    const XServer server = demo::startXorg(folder.path());
+    const XClient xClient{server.display()};
+    const Devices itsDevices{.mouse = deviceAt("mouse"), .keyboard = deviceAt("keyboard")};
+};
+
+class Direct final : public Subject {
+public:
+    const char* name() const override { return "direct"; }
+    const Devices& devices() const override { return host.devices(); }
+    QString targetDisplay() const override { return host.display(); }
+    QList<pid_t> servers() const override { return {host.pid()}; }
+
+private:
+    const Host host;
 };
 
 class Floor final : public Subject {
 public:
-    explicit Floor(const QString& program)
-        : process(program, {hostServer.display(), targetServer.display()}) {
+    explicit Floor(const QString& program) : process(program, {host.display(), target.display()}) {
         if (process.readLine(startLimit) != QStringLiteral("ready"))
             throw std::runtime_error("the least program does not start");
-        client.switchOffAcceleration();
     }
 
     const char* name() const override { return "floor"; }
-    const XClient& host() const override { return client; }
-    QString targetDisplay() const override { return targetServer.display(); }
-    QList<pid_t> servers() const override { return {hostServer.pid(), targetServer.pid()}; }
+    const Devices& devices() const override { return host.devices(); }
+    QString targetDisplay() const override { return target.display(); }
+    QList<pid_t> servers() const override { return {host.pid(), target.pid()}; }
     QList<pid_t> processes() override { return {process.pid()}; }
 
 private:
-    const XServer hostServer, targetServer;
-    const XClient client{hostServer.display()};
+    const Host host;
+    const XServer target;
     demo::ChildProcess process;
 };
 
@@ -60,10 +83,9 @@ class Takeover final : public ProgramSubject {
 public:
     explicit Takeover(const demo::Programs& programs)
         : rig({.programs = programs,
-               .hostDisplay = hostServer.display(),
-               .targetDisplay = targetServer.display(),
+               .hostDisplay = host.display(),
+               .targetDisplay = target.display(),
                .lineDelay = lineDelay}) {
-        client.switchOffAcceleration();
         rig.startProgram();
         if (!crossing.enter(startLimit))
             throw std::runtime_error("crossing the edge does not take over");
@@ -72,9 +94,9 @@ public:
     }
 
     const char* name() const override { return "program"; }
-    const XClient& host() const override { return client; }
-    QString targetDisplay() const override { return targetServer.display(); }
-    QList<pid_t> servers() const override { return {hostServer.pid(), targetServer.pid()}; }
+    const Devices& devices() const override { return host.devices(); }
+    QString targetDisplay() const override { return target.display(); }
+    QList<pid_t> servers() const override { return {host.pid(), target.pid()}; }
     QList<pid_t> processes() override { return programOnly() + dongle(); }
     QList<pid_t> dongle() override { return {rig.dongle().process().pid()}; }
     QList<pid_t> programOnly() override { return {rig.quenthisar().pid()}; }
@@ -93,15 +115,15 @@ public:
         crossing.pressReturnChord();
         if (!crossing.hostPointerMoves(startLimit))
             throw std::runtime_error("the return chord does not return");
-        const demo::Hands hands{client};
+        const demo::Hands hands{host.client()};
         hands.moveBy({-600, 0});
     }
 
 private:
-    const XServer hostServer, targetServer;
-    const XClient client{hostServer.display()};
+    const Host host;
+    const XServer target;
     demo::Rig rig;
-    demo::Crossing crossing{client, rig};
+    demo::Crossing crossing{host.client(), rig};
     qsizetype mark = 0;
 };
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Injection.h"
+
 #include "demo/Rig.h"
-#include "demo/XClient.h"
 
 #include <memory>
 #include <optional>
@@ -18,7 +19,7 @@ public:
 
     virtual const char* name() const = 0;
     /// Where input is made, and where it arrives.
-    virtual const demo::XClient& host() const = 0;
+    virtual const Devices& devices() const = 0;
     virtual QString targetDisplay() const = 0;
     virtual QList<pid_t> servers() const = 0;
     /// Those that bring the input over.

@@ -15,11 +15,13 @@ run_packages=(zsh fonts-dejavu-core)
 bluetooth_packages=(bluez)
 # To play a takeover without a dongle or a second computer.
 stage_packages=(dbus-daemon xserver-xephyr xvfb xkb-data)
+# To play with devices like real ones.
+xorg_packages=(x11-xkb-utils xserver-xorg-core xserver-xorg-dev xserver-xorg-video-dummy)
 # To test it.
 test_packages=(
+    "${xorg_packages[@]}"
     at-spi2-core clang-format clang-tidy libgtest-dev libxcb-shape0-dev openbox picom
-    x11-xkb-utils x11-xserver-utils xinput
-    xserver-xorg-core xserver-xorg-dev xserver-xorg-video-dummy
+    x11-xserver-utils xinput
 )
 
 # missing_packages PACKAGE...: those that are not installed.

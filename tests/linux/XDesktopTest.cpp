@@ -98,7 +98,7 @@ TEST(XDesktop, HearsAKeyboardThatIsPluggedInDuringATakeover) {
     stage.delivered.clear();
     run(stage, "xinput enable keyboard");
     run(stage, "xinput enable tablet");
-    const InputTestDevice plugged(stage.socket("keyboard")), pen(stage.socket("tablet"));
+    const demo::InputTestDevice plugged(stage.socket("keyboard")), pen(stage.socket("tablet"));
     pen.moveTo(30000, 30000);
     stage.mouse.moveBy(0, 5);
     plugged.tap(keyA);

@@ -2,7 +2,7 @@
 #include "linux/XStage.h"
 
 #include "Linux/XcbXkb.h"
-#include "linux/XorgServer.h"
+#include "demo/XorgServer.h"
 
 #include <QApplication>
 
@@ -177,9 +177,8 @@ XStage::Environment::Environment(const demo::XServer& server) {
 }
 
 XStage::XStage(Server kind)
-    : server(kind == Server::xorg ? startXorg(folder.path()) : demo::XServer{}) {
-    // Without a desktop, Xorg's keyboards have other key codes than any keyboard of today.
-    if (kind == Server::xorg) run(QStringLiteral("setxkbmap -rules evdev us"));
+    : server(kind == Server::xorg ? demo::startXorg(folder.path()) : demo::XServer{}) {
+    if (kind == Server::xorg) demo::useKeymapOfDesktops(server);
     displays.screens();
     tap = taps.tapCreate(~std::uint64_t{0}, [this](const TapEvent& event) {
         delivered.push_back(event);

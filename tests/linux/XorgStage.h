@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "linux/InputTestDevice.h"
 #include "linux/XStage.h"
+
+#include "demo/InputTestDevice.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +29,8 @@ struct XorgStage : XStage {
         return result;
     }
 
-    InputTestDevice mouse{socket("mouse")}, keyboard{socket("keyboard")}, tablet{socket("tablet")};
+    demo::InputTestDevice mouse{socket("mouse")}, keyboard{socket("keyboard")},
+        tablet{socket("tablet")};
 };
 
 } // namespace quenthisar::test

@@ -1,16 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include "linux/XorgServer.h"
+#include "XorgServer.h"
 
 #include <QFile>
 
 #include <stdexcept>
 
-namespace quenthisar::test {
+namespace quenthisar::demo {
 
 namespace {
 
 // The one that may start for those at the console only is a script before it.
 constexpr auto program = "/usr/lib/xorg/Xorg";
+constexpr std::chrono::seconds keymapLimit{20};
 
 /// %1 is the folder. What is plugged into this computer is left alone.
 constexpr auto configuration = R"(
@@ -76,7 +77,7 @@ EndSection
 
 } // namespace
 
-demo::XServer startXorg(const QString& folder) {
+XServer startXorg(const QString& folder) {
     const auto path = folder + QStringLiteral("/configuration");
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) ||
@@ -91,4 +92,12 @@ demo::XServer startXorg(const QString& folder) {
              QStringLiteral("-novtswitch"), QStringLiteral("-nolisten"), QStringLiteral("tcp")}};
 }
 
-} // namespace quenthisar::test
+void useKeymapOfDesktops(const XServer& xorg) {
+    ChildProcess process{QStringLiteral("setxkbmap"),
+                         {QStringLiteral("-display"), xorg.display(), QStringLiteral("-rules"),
+                          QStringLiteral("evdev"), QStringLiteral("us")}};
+    if (process.waitForEnd(keymapLimit) != 0)
+        throw std::runtime_error("setxkbmap does not set the keymap");
+}
+
+} // namespace quenthisar::demo

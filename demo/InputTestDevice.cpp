@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "linux/InputTestDevice.h"
+#include "InputTestDevice.h"
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <xorg/xf86-input-inputtest-protocol.h>
 
-namespace quenthisar::test {
+namespace quenthisar::demo {
 
 namespace {
 
@@ -29,8 +29,8 @@ Message make(xf86ITEventType type) {
 
 } // namespace
 
-InputTestDevice::InputTestDevice(const QString& socketPath)
-    : socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
+InputTestDevice::InputTestDevice(const QString& socketPath, Return whenCallsReturn)
+    : socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)), returns(whenCallsReturn) {
     sockaddr_un address{.sun_family = AF_UNIX, .sun_path = {}};
     const auto path = socketPath.toLocal8Bit();
     std::strncpy(address.sun_path, path.constData(), sizeof address.sun_path - 1);
@@ -91,6 +91,7 @@ void InputTestDevice::key(std::uint8_t code, bool isDown) const {
 }
 
 void InputTestDevice::sync() const {
+    if (returns == Return::atOnce) return;
     send(make<xf86ITEventWaitForSync>(XF86IT_EVENT_WAIT_FOR_SYNC));
     xf86ITResponseSyncFinished answer;
     receive(&answer, sizeof answer);
@@ -107,4 +108,4 @@ void InputTestDevice::receive(void* answer, std::size_t size) const {
         throw std::runtime_error("the device doesn't answer");
 }
 
-} // namespace quenthisar::test
+} // namespace quenthisar::demo

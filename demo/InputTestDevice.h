@@ -6,13 +6,16 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace quenthisar::test {
+namespace quenthisar::demo {
 
 /// A hand at a device of Xorg's `inputtest` driver: what it does, a real device would have done.
-/// All calls return when the server has processed it. Throws std::runtime_error if it doesn't.
+/// Throws std::runtime_error if the server doesn't take it.
 class InputTestDevice {
 public:
-    explicit InputTestDevice(const QString& socketPath);
+    /// When its calls return: as soon as the server was told, or not before it has processed all.
+    enum class Return { atOnce, whenProcessed };
+
+    explicit InputTestDevice(const QString& socketPath, Return returns = Return::whenProcessed);
     ~InputTestDevice();
     InputTestDevice(const InputTestDevice&) = delete;
     InputTestDevice& operator=(const InputTestDevice&) = delete;
@@ -36,6 +39,7 @@ private:
     void receive(void* answer, std::size_t size) const;
 
     int socket = -1;
+    Return returns;
 };
 
-} // namespace quenthisar::test
+} // namespace quenthisar::demo
