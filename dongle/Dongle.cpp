@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Dongle.h"
 
-#include "Journal.h"
-
 #include <span>
 #include <string>
 #include <utility>
@@ -25,7 +23,8 @@ const char* wayName(Way way) {
 } // namespace
 
 Dongle::Dongle(QString address, QString itsName, const QString& display)
-    : name(std::move(itsName)), ownAddress(std::move(address)) {
+    : name(std::move(itsName)), ownAddress(std::move(address)),
+      origin(journalOrigin(ownAddress, name)) {
     if (display.isEmpty()) return;
     target =
         std::make_unique<XTestTarget>(display.toStdString(), [this] { report(u"target lost"_s); });
@@ -39,6 +38,7 @@ void Dongle::report(const QString& what) const {
 void Dongle::rename(const QString& to) {
     const std::lock_guard lock{mutex};
     name = to;
+    origin = journalOrigin(ownAddress, name);
 }
 
 void Dongle::receive(Way way, std::span<const std::uint8_t> payload) {
@@ -48,7 +48,7 @@ void Dongle::receive(Way way, std::span<const std::uint8_t> payload) {
     if (hid) hid->apply(decoded);
     // What it costs to write it down is no part of what a target waits for.
     journal(
-        ownAddress, name,
+        origin,
         [way,
          bytes = QByteArray{reinterpret_cast<const char*>(payload.data()),
                             static_cast<qsizetype>(payload.size())},

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "HidDevice.h"
+#include "Journal.h"
 #include "XTestTarget.h"
 
 #include <QString>
@@ -65,6 +66,7 @@ public:
 
 private:
     QString ownAddress;
+    Origin origin; // of its lines
     std::unique_ptr<XTestTarget> target;
     std::unique_ptr<HidDevice> hid;
     std::mutex mutex; // payloads come on their reader's thread

@@ -34,7 +34,20 @@ QString escaped(const QString& text) {
 /// Lines on their way to standard output.
 class Waiting {
 public:
-    using Line = std::function<std::string()>;
+    struct Line {
+        std::function<std::string()> what;
+        Origin origin; // null: a line without a time
+        Clock::time_point time;
+
+        void appendTo(std::string& text) const {
+            using namespace std::chrono;
+            if (origin) {
+                const auto at = duration_cast<microseconds>(time.time_since_epoch());
+                text.append(std::to_string(at.count())).append(*origin);
+            }
+            text.append(what()).append(1, '\n');
+        }
+    };
 
     void add(Line line) {
         const std::lock_guard lock{mutex};
@@ -59,7 +72,7 @@ public:
 private:
     void write() {
         std::string text;
-        for (const auto& line : lines) text.append(line()).append(1, '\n');
+        for (const auto& line : lines) line.appendTo(text);
         lines.clear();
         // A reader that went away is no reason to stop.
         static_cast<void>(std::fwrite(text.data(), 1, text.size(), stdout));
@@ -78,25 +91,20 @@ Waiting& waiting() {
     return lines;
 }
 
-std::string eventLine(const QString& who, const QString& name, const std::string& what,
-                      Clock::time_point time) {
-    using namespace std::chrono;
-    const auto at = duration_cast<microseconds>(time.time_since_epoch()).count();
-    return std::to_string(at) + ' ' + who.toStdString() + " \"" + escaped(name).toStdString() +
-           "\" " + what;
-}
-
 } // namespace
 
 void journal(const QString& who, const QString& name, const QString& what, Clock::time_point time) {
     journal(
-        who, name, [text = what.toStdString()] { return text; }, time);
+        journalOrigin(who, name), [text = what.toStdString()] { return text; }, time);
 }
 
-void journal(const QString& who, const QString& name, std::function<std::string()> what,
-             Clock::time_point time) {
-    waiting().add(
-        [who, name, what = std::move(what), time] { return eventLine(who, name, what(), time); });
+Origin journalOrigin(const QString& who, const QString& name) {
+    return std::make_shared<const std::string>(' ' + who.toStdString() + " \"" +
+                                               escaped(name).toStdString() + "\" ");
+}
+
+void journal(Origin origin, std::function<std::string()> what, Clock::time_point time) {
+    waiting().add({.what = std::move(what), .origin = std::move(origin), .time = time});
 }
 
 void delayJournal(std::chrono::milliseconds delay) {
@@ -108,7 +116,7 @@ void flushJournal() {
 }
 
 void printLine(const QString& line) {
-    waiting().add([text = line.toStdString()] { return text; });
+    waiting().add({.what = [text = line.toStdString()] { return text; }, .origin = {}, .time = {}});
 }
 
 } // namespace quenthisar::dongle
