@@ -60,8 +60,8 @@ const std::vector<Load>& allLoads() {
         {"motion at 1,000 Hz", 1'000, 0, Kind::motion, 2},
         {"motion at 8,000 Hz", 8'000, 0, Kind::motion, 2},
         {"keys", 0, 100, Kind::key, 3},
-        {"buttons", 0, 50, Kind::button, 3},
-        {"scrolling", 0, 50, Kind::scroll, 3},
+        {"buttons", 0, 100, Kind::button, 3},
+        {"scrolling", 0, 100, Kind::scroll, 3},
         {"key in 1,000 Hz", 1'000, 50, Kind::key, 3},
         {"key in 8,000 Hz", 8'000, 50, Kind::key, 3},
     };
