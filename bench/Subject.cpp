@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Subject.h"
 
+#include "Host.h"
+
 #include "demo/Crossing.h"
 #include "demo/ReportLine.h"
-#include "demo/XorgServer.h"
-
-#include <QTemporaryDir>
 
 #include <stdexcept>
 #include <thread>
@@ -23,31 +22,6 @@ constexpr auto startLimit = 20s;
 constexpr auto lineDelay = 500ms;
 /// Until the panel of a takeover has faded out: it is no part of what an event costs.
 constexpr auto panelGone = 3500ms;
-
-/// The server whose input is taken: one with devices like real ones.
-class Host {
-public:
-    Host() {
-        demo::useKeymapOfDesktops(server);
-        xClient.switchOffAcceleration();
-    }
-
-    QString display() const { return server.display(); }
-    pid_t pid() const { return server.pid(); }
-    const XClient& client() const { return xClient; }
-    const Devices& devices() const { return itsDevices; }
-
-private:
-    demo::InputTestDevice deviceAt(const char* socket) const {
-        return demo::InputTestDevice{folder.filePath(QString::fromLatin1(socket)),
-                                     demo::InputTestDevice::Return::atOnce};
-    }
-
-    const QTemporaryDir folder;
-    const XServer server = demo::startXorg(folder.path());
-    const XClient xClient{server.display()};
-    const Devices itsDevices{.mouse = deviceAt("mouse"), .keyboard = deviceAt("keyboard")};
-};
 
 class Direct final : public Subject {
 public:

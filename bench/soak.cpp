@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// Whether the program holds more the longer it works. Ends with 0 only if it doesn't.
+#include "WorkingDay.h"
+
+#include "demo/Interrupt.h"
+#include "demo/RuntimeFolder.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFile>
+#include <QTextStream>
+
+#include <cstdio>
+#include <exception>
+
+namespace {
+
+using namespace Qt::StringLiterals;
+using namespace quenthisar::bench;
+
+/// What the allocator keeps of one more flood or one more window, KiB.
+constexpr long allowedGrowth = 1024;
+constexpr double warmUp = 60; // seconds
+
+struct Sample {
+    double time = 0; // seconds since the first round began
+    ProcessState state{};
+};
+
+void print(const char* what, const Sample& sample) {
+    std::printf("%-22s %7.0f s  %6ld KiB  %3d descriptors  %2d threads  %d children\n", what,
+                sample.time, sample.state.resident, sample.state.descriptors, sample.state.threads,
+                sample.state.children);
+}
+
+bool writeTable(const QString& path, const std::vector<Sample>& samples) {
+    QFile file{path};
+    if (!file.open(QIODevice::WriteOnly)) return false;
+    QTextStream out{&file};
+    out << "seconds,residentKiB,descriptors,threads,children\n";
+    for (const auto& [time, state] : samples)
+        out << time << ',' << state.resident << ',' << state.descriptors << ',' << state.threads
+            << ',' << state.children << '\n';
+    out.flush();
+    return file.error() == QFile::NoError;
+}
+
+bool holdsNoMore(const ProcessState& early, const ProcessState& late) {
+    return late.descriptors <= early.descriptors && late.threads <= early.threads &&
+           late.children <= early.children && late.resident <= early.resident + allowedGrowth;
+}
+
+int run(const QCommandLineParser& parser) {
+    const auto length = parser.value(u"minutes"_s).toDouble() * 60;
+    const auto table = parser.value(u"table"_s);
+    WorkingDay day{quenthisar::demo::Programs::in(parser.value(u"programs"_s))};
+    const auto start = Clock::now();
+    const auto elapsed = [&] {
+        return std::chrono::duration<double>{Clock::now() - start}.count();
+    };
+    std::vector<Sample> samples;
+    int rounds = 0;
+    do {
+        day.playRound();
+        ++rounds;
+        samples.push_back({elapsed(), day.state()});
+    } while (elapsed() < length);
+
+    const auto early =
+        std::ranges::find_if(samples, [](const Sample& sample) { return sample.time >= warmUp; });
+    const auto& first = early == samples.end() ? samples.front() : *early;
+    print("after the first minute", first);
+    print("at the end", samples.back());
+    std::printf("%d rounds, %llu inputs\n", rounds, static_cast<unsigned long long>(day.inputs()));
+    if (!table.isEmpty() && !writeTable(table, samples)) {
+        std::fprintf(stderr, "bench-soak: %s cannot be written\n", qPrintable(table));
+        return 1;
+    }
+    const bool isSteady = holdsNoMore(first.state, samples.back().state);
+    std::puts(isSteady ? "It holds no more than after the first minute."
+                       : "It holds MORE than after the first minute.");
+    return isSteady ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    quenthisar::demo::provideRuntimeFolder();
+    const QCoreApplication app{argc, argv};
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        u"Plays a user's working day on X servers of its own, over and over: takeovers, floods of\n"
+        "motion, typing, the clipboard, the window, lost links. Tells what the program holds "
+        "after\n"
+        "the first minute and at the end."_s);
+    parser.addHelpOption();
+    parser.addOptions(
+        {{u"minutes"_s, u"How long; 30 where nothing is given."_s, u"number"_s, u"30"_s},
+         {u"table"_s, u"Also writes what it held after each round, as CSV."_s, u"file"_s},
+         {u"programs"_s, u"The folder of the programs."_s, u"folder"_s,
+          QCoreApplication::applicationDirPath()}});
+    parser.process(app);
+    quenthisar::demo::noteInterrupts();
+    try {
+        return run(parser);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "bench-soak: %s\n", error.what());
+        return 1;
+    }
+}
