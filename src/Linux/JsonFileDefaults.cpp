@@ -133,6 +133,9 @@ void JsonFileDefaults::flush() {
 
 void JsonFileDefaults::load() {
     if (!QFileInfo::exists(path)) return;
+    // Whoever can write it has commands run: the hooks.
+    QFile::setPermissions(QFileInfo(path).path(), folderOwnerOnly);
+    QFile::setPermissions(path, ownerOnly);
     if (auto json = readFile(path))
         *root = std::move(*json);
     else

@@ -74,6 +74,16 @@ TEST(JsonFileDefaults, EveryKindOfValueSurvivesARestart) {
     EXPECT_TRUE(f.log.lines.empty());
 }
 
+TEST(JsonFileDefaults, ClosesToOthersWhatWasOpenToThem) {
+    Fixture f;
+    f.open().set("key", {true});
+    for (const auto& [name, mode] : {std::pair{f.path, 0666U}, {f.folder, 0777U}})
+        ASSERT_EQ(::chmod(QFile::encodeName(name), mode), 0);
+    EXPECT_EQ(f.open().object("key"), DefaultsValue{true});
+    EXPECT_EQ(Fixture::modeOf(f.path), 0600U);
+    EXPECT_EQ(Fixture::modeOf(f.folder), 0700U);
+}
+
 TEST(JsonFileDefaults, KeepsKeysOfOthersAndReadsWhatNoSettingHasAsSuch) {
     Fixture f;
     f.write(R"({"theirs":[1,{"x":null}],"null":null,"odd":{"$data":"!"},"nested":{"a":{"b":1}}})");
