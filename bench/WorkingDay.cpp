@@ -51,6 +51,17 @@ WorkingDay::WorkingDay(const demo::Programs& programs)
 }
 
 void WorkingDay::playRound() {
+    try {
+        play();
+    } catch (const std::exception& error) {
+        constexpr qsizetype shown = 8;
+        const auto lines = rig.dongle().since(std::max(rig.dongle().mark() - shown, qsizetype{0}));
+        throw std::runtime_error(std::string{error.what()} + "; the dongle's last lines:\n" +
+                                 lines.join(u'\n').toStdString());
+    }
+}
+
+void WorkingDay::play() {
     takeOver();
     flood(1'000, 3);
     giveBack();

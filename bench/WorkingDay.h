@@ -27,6 +27,7 @@ public:
     std::uint64_t inputs() const { return made; }
 
 private:
+    void play();
     void takeOver();
     void giveBack();
     void flood(int motionRate, double seconds);
