@@ -4,8 +4,10 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QSet>
 
 #include <csignal>
+#include <filesystem>
 #include <map>
 #include <sys/resource.h>
 
@@ -49,6 +51,40 @@ protected:
         return all;
     }
 
+    static QStringList namesIn(const QString& folder) {
+        QStringList names;
+        QDirIterator files{folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories};
+        while (files.hasNext()) names += QDir{folder}.relativeFilePath(files.next());
+        return names;
+    }
+
+    /// Numbers of the sockets that a process has.
+    static QSet<QByteArray> socketsOf(pid_t process) {
+        QSet<QByteArray> numbers;
+        QDirIterator files{QStringLiteral("/proc/%1/fd").arg(process),
+                           QDir::AllEntries | QDir::System};
+        while (files.hasNext()) {
+            std::error_code gone;
+            const auto target = QByteArray::fromStdString(
+                std::filesystem::read_symlink(files.next().toStdString(), gone).string());
+            if (target.startsWith("socket:[")) numbers += target.sliced(8).chopped(1);
+        }
+        return numbers;
+    }
+
+    /// The lines of a table in /proc/net that belong to one of the sockets, which stand in
+    /// `column`.
+    static QList<QByteArrayList> linesOf(const char* table, const QSet<QByteArray>& sockets,
+                                         int column) {
+        QList<QByteArrayList> lines;
+        for (const auto& line :
+             contentOf(QStringLiteral("/proc/net/") + QLatin1String{table}).split('\n')) {
+            const auto words = line.simplified().split(' ');
+            if (words.size() > column && sockets.contains(words[column])) lines += words;
+        }
+        return lines;
+    }
+
     void pressHotkey(char16_t key, bool shifted = false) const {
         auto keys = demo::returnChord(stage->host);
         // Let go of last: without it, the other three are the return chord.
@@ -68,6 +104,18 @@ TEST_F(Privacy, WritesNoCoreDump) {
     rlimit limit{RLIM_INFINITY, RLIM_INFINITY};
     ASSERT_EQ(::prlimit(stage->rig.quenthisar().pid(), RLIMIT_CORE, nullptr, &limit), 0);
     EXPECT_EQ(limit.rlim_cur, 0U);
+}
+
+TEST_F(Privacy, CanBeReachedByNobody) {
+    const auto sockets = socketsOf(stage->rig.quenthisar().pid());
+    EXPECT_FALSE(linesOf("unix", sockets, 6).isEmpty()) << "those of bus and server";
+    for (const auto& words : linesOf("unix", sockets, 6)) {
+        constexpr auto listening = "00010000";
+        EXPECT_NE(words[3], listening) << words.join(' ').toStdString();
+    }
+    for (const auto* network : {"tcp", "tcp6", "udp", "udp6", "raw", "raw6"})
+        EXPECT_TRUE(linesOf(network, sockets, 9).isEmpty()) << network;
+    EXPECT_TRUE(linesOf("packet", sockets, 8).isEmpty());
 }
 
 TEST_F(Privacy, TellsNobodyWhatIsTypedOrCopied) {
@@ -101,8 +149,10 @@ TEST_F(Privacy, TellsNobodyWhatIsTypedOrCopied) {
     // What is done with the keyboard is no reason for any word.
     EXPECT_EQ(contentOf(errors), atFirst);
     EXPECT_EQ(stage->rig.quenthisar().pendingLines(), QStringList{});
+    EXPECT_EQ(namesIn(stage->rig.configurationFolder()),
+              QStringList{QStringLiteral("quenthisar/defaults.json")});
+    EXPECT_EQ(namesIn(home.path()), QStringList{QStringLiteral("errors")});
     const auto written = allIn(home.path()) + allIn(stage->rig.configurationFolder());
-    EXPECT_TRUE(written.contains("defaults.json"));
     for (const auto& secret : {copied, typed, typedAtHome, QStringLiteral("salat")})
         EXPECT_FALSE(written.contains(secret.toUtf8())) << written.toStdString();
 }
