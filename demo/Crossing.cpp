@@ -13,6 +13,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto oneTry = 150ms;
+constexpr auto settleLimit = 3s;
 
 bool hasMouseReport(const QStringList& lines) {
     return std::ranges::any_of(reportLines(lines), &ReportLine::isMouse);
@@ -40,10 +41,11 @@ bool Crossing::enter(std::chrono::milliseconds limit) {
         hands.moveBy({0, -1});
         return rig.dongle().waitFor(mark, hasMouseReport, oneTry);
     };
-    return retry(attempt, limit) && settle(limit);
+    // The report may have been one of an earlier takeover, and what settles went to the host then.
+    return retry([&] { return attempt() && settle(); }, limit);
 }
 
-bool Crossing::settle(std::chrono::milliseconds limit) {
+bool Crossing::settle() {
     const auto mark = rig.dongle().mark();
     hands.key(chord.front(), true);
     hands.key(chord.front(), false);
@@ -54,7 +56,7 @@ bool Crossing::settle(std::chrono::milliseconds limit) {
             return report.isKeyboard() && report.isAllUp();
         });
     };
-    return rig.dongle().waitFor(mark, hasKey, limit);
+    return rig.dongle().waitFor(mark, hasKey, settleLimit);
 }
 
 bool Crossing::hostPointerMoves(std::chrono::milliseconds limit) const {

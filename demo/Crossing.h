@@ -23,7 +23,7 @@ public:
 
 private:
     /// In a takeover: taps a modifier and waits for it, so that all motion before it has arrived.
-    bool settle(std::chrono::milliseconds limit);
+    bool settle();
 
     const XClient& host;
     Rig& rig;
