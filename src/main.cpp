@@ -29,11 +29,13 @@
 #include "UI/Qt/Symbols.h"
 
 #include <QApplication>
+#include <QIcon>
 
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <string_view>
 #include <sys/prctl.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -122,11 +124,13 @@ void switchOffCoreDumps() {
 
 } // namespace
 
-int main(int, char** argv) {
+int main(int count, char** argv) {
     using namespace quenthisar;
     switchOffCoreDumps();
     std::signal(SIGPIPE, SIG_IGN);
     openStandardStreams();
+    if (count > 1 && argv[1] == std::string_view{"--quit"})
+        return SingleInstance::askToQuit() ? EXIT_SUCCESS : EXIT_FAILURE;
     Guard guard;
     SingleInstance instance;
     if (!instance.isFirst()) return EXIT_SUCCESS;
@@ -138,7 +142,7 @@ int main(int, char** argv) {
         return EXIT_FAILURE;
     }
 
-    // There are no command-line options, the toolkit's included.
+    // There are no other command-line options, the toolkit's included.
     int argumentCount = 1;
     // Its loop over plain poll() takes less of the time of an event; what this program starts keeps
     // its own.
@@ -148,6 +152,8 @@ int main(int, char** argv) {
     XToolkit::ignoreButtonStates();
     QApplication::setStyle(new Style);
     QApplication::setApplicationName(QStringLiteral("Quenthisar"));
+    QApplication::setDesktopFileName(QStringLiteral("com.vornack.quenthisar"));
+    QApplication::setWindowIcon(QIcon{QStringLiteral(":/icons/com.vornack.quenthisar.svg")});
     QApplication::setQuitOnLastWindowClosed(false);
     const ExitSignals exitSignals([] { QApplication::quit(); });
     instance.onQuit([] { QApplication::quit(); });

@@ -34,12 +34,18 @@ bool isTaken(const QDBusConnection& bus) {
            reply.arguments().value(0).toUInt() == nameExists;
 }
 
+/// Asks the program that has the name.
+QDBusMessage ask(const QDBusConnection& bus, const QString& method, const QVariantList& arguments,
+                 int limit) {
+    auto request = QDBusMessage::createMethodCall(name, path, applicationInterface, method);
+    request.setArguments(arguments);
+    request.setAutoStartService(false);
+    return bus.call(request, QDBus::Block, limit);
+}
+
 /// False when it has ended or is about to, or is silent for so many milliseconds.
 bool askToActivate(const QDBusConnection& bus, int limit) {
-    auto request = QDBusMessage::createMethodCall(name, path, applicationInterface, u"Activate"_s);
-    request << QVariantMap{};
-    request.setAutoStartService(false);
-    const auto reply = bus.call(request, QDBus::Block, limit);
+    const auto reply = ask(bus, u"Activate"_s, {QVariantMap{}}, limit);
     if (reply.type() != QDBusMessage::ErrorMessage) return true;
     const auto error = QDBusError(reply).type();
     return error != QDBusError::ServiceUnknown && error != QDBusError::NoReply &&
@@ -57,6 +63,14 @@ SingleInstance::SingleInstance()
 
 SingleInstance::~SingleInstance() {
     QDBusConnection::disconnectFromBus(name);
+}
+
+bool SingleInstance::askToQuit() {
+    const auto reply =
+        ask(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name), u"ActivateAction"_s,
+            {u"quit"_s, QVariantList{}, QVariantMap{}}, answerLimit);
+    QDBusConnection::disconnectFromBus(name);
+    return reply.type() == QDBusMessage::ReplyMessage;
 }
 
 bool SingleInstance::takeName() {

@@ -26,6 +26,9 @@ public:
     /// Gives the name back.
     ~SingleInstance() override;
 
+    /// Asks the program that has the name to end, without taking the name. False if there is none.
+    static bool askToQuit();
+
     /// False: another program has the name and was asked; this one is to end.
     bool isFirst() const { return first; }
 

@@ -28,9 +28,9 @@ class SingleInstance : public testing::Test {
 protected:
     using Program = std::unique_ptr<demo::ChildProcess>;
 
-    Program start() {
+    Program start(const QStringList& arguments = {}) {
         return std::make_unique<demo::ChildProcess>(
-            QStringLiteral(INSTANCE), QStringList{},
+            QStringLiteral(INSTANCE), arguments,
             demo::ChildProcess::Environment{{u"DBUS_SESSION_BUS_ADDRESS"_s, address}});
     }
     static std::string says(const Program& program) {
@@ -129,8 +129,9 @@ TEST_F(SingleInstance, DoesWhatTheDesktopAsksFor) {
     EXPECT_EQ(says(first), "activated");
     EXPECT_TRUE(call(u"ActivateAction"_s, {u"unknown"_s, QVariantList{}, QVariantMap{}}));
     EXPECT_TRUE(first->isRunning());
-    EXPECT_TRUE(call(u"ActivateAction"_s, {u"quit"_s, QVariantList{}, QVariantMap{}}));
+    EXPECT_EQ(says(start({u"--quit"_s})), "asked");
     EXPECT_EQ(endOf(first), 0);
+    EXPECT_EQ(says(start({u"--quit"_s})), "nobody");
 }
 
 TEST_F(SingleInstance, RunsWithoutABusAndWhenItIsLost) {
