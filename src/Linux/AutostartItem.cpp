@@ -25,6 +25,11 @@ QString execArgument(const QString& text) {
     return u'"' + quoted + u'"';
 }
 
+/// `text` as a value.
+QString escaped(QString text) {
+    return text.replace(u'\\', QStringLiteral("\\\\"));
+}
+
 constexpr qint64 lineLimit = 65'536; // of what is read at once; no entry has such lines
 
 /// Whether the desktop entry is switched off.
@@ -65,8 +70,10 @@ std::optional<std::string> AutostartItem::registerItem() {
     const auto text = QStringLiteral("[Desktop Entry]\n"
                                      "Type=Application\n"
                                      "Name=Quenthisar\n"
-                                     "Exec=%1\n")
-                          .arg(execArgument(program))
+                                     "TryExec=%1\n"
+                                     "Exec=%2\n"
+                                     "Icon=com.vornack.quenthisar\n")
+                          .arg(escaped(program), execArgument(program))
                           .toUtf8();
     if (!entry.open(QIODevice::WriteOnly)) return entry.errorString().toStdString();
     // A disk that is nearly full takes a part, and `commit` calls that no error.

@@ -36,6 +36,8 @@ TEST(AutostartItem, IsAFileThatComesAndGoes) {
     EXPECT_TRUE(f.read().contains(R"(Exec="/opt/my \\"\\$apps\\"/50%%/quenthisar")"
                                   "\n"))
         << f.read().constData();
+    // Nothing is started once the program is gone.
+    EXPECT_TRUE(f.read().contains("TryExec=/opt/my \"$apps\"/50%/quenthisar\n"));
     EXPECT_EQ(f.item.unregisterItem(), std::nullopt);
     EXPECT_EQ(f.item.status(), LoginItemStatus::notRegistered);
     EXPECT_NE(f.item.unregisterItem(), std::nullopt) << "there is nothing to take away";
