@@ -17,6 +17,8 @@ bluetooth_packages=(bluez)
 stage_packages=(dbus-daemon xserver-xephyr xvfb xkb-data)
 # To play with devices like real ones.
 xorg_packages=(x11-xkb-utils xserver-xorg-core xserver-xorg-dev xserver-xorg-video-dummy)
+# To make a package of it, and to check that.
+package_packages=(appstream desktop-file-utils dpkg-dev lintian)
 # To test it.
 test_packages=(
     "${xorg_packages[@]}"

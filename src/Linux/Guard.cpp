@@ -20,10 +20,13 @@ namespace {
 /// A quarter of the silence after which the guard acts.
 constexpr std::chrono::milliseconds interval{500};
 
+/// Beside this program, or where packages put what users don't start.
 std::string guardProgram() {
+    constexpr auto name = "quenthisar-guard";
     std::error_code error;
-    const auto self = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::string{} : (self.parent_path() / "quenthisar-guard").string();
+    const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    const auto installed = folder.parent_path() / "libexec" / name;
+    return (std::filesystem::exists(folder / name, error) ? folder / name : installed).string();
 }
 
 /// Its standard input is `channel`. In a session of its own no terminal stops it with us.
