@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace quenthisar {
 
@@ -81,7 +82,10 @@ constexpr Report::MouseFields towardsEntrySide(Edge edge) {
 
 EventTapController::EventTapController(AppState& store, DongleManager& manager,
                                        EventTaps& eventTaps, Cursor& hostCursor)
-    : appState(store), dongleManager(manager), taps(eventTaps), cursor(hostCursor) {}
+    : appState(store), dongleManager(manager), taps(eventTaps), cursor(hostCursor) {
+    // No key that is pressed waits for memory.
+    pressedKeys.reserve(std::numeric_limits<std::uint8_t>::max());
+}
 
 void EventTapController::start() {
     if (tap) return;
