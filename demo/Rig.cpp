@@ -43,6 +43,10 @@ QString Rig::dongleName() const {
     return QStringLiteral("Target (%1)").arg(dongleUuid(dongleAddress).right(4));
 }
 
+QString Rig::dongleId() const {
+    return dongleUuid(dongleAddress);
+}
+
 void Rig::openProgram() {
     program.reset();
     program = startOnceMore();

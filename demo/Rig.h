@@ -59,6 +59,8 @@ public:
     QString displayUuid() const { return boundDisplay; }
     /// What the program calls the dongle, without a nickname.
     QString dongleName() const;
+    /// What its settings call it.
+    QString dongleId() const;
     /// Where the program's settings are.
     QString settingsFile() const;
     /// Where the dongle can be asked for faults, and whoever else the program should find.

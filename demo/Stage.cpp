@@ -15,12 +15,14 @@ const QString screenSize = QStringLiteral("1280x800");
 } // namespace
 
 Stage::Stage(const Options& options)
-    : hostServer(screenSize, frameFolder.path()), targetServer(screenSize),
-      hostFrames(frameFolder.path()), host(hostServer.display()), target(targetServer.display()),
-      hands(host), hostDesk(options.programs, QStringLiteral("host"), hostServer.display()),
+    : displayOfHost(options.hostDisplay.isEmpty()
+                        ? hostServer.emplace(screenSize, frameFolder.path()).display()
+                        : options.hostDisplay),
+      targetServer(screenSize), host(displayOfHost), target(targetServer.display()), hands(host),
+      hostDesk(options.programs, QStringLiteral("host"), displayOfHost),
       targetDesk(options.programs, QStringLiteral("target"), targetServer.display()),
       rig({.programs = options.programs,
-           .hostDisplay = hostServer.display(),
+           .hostDisplay = displayOfHost,
            .targetDisplay = targetServer.display(),
            .cornerSlam = options.cornerSlam,
            .programErrors = options.programErrors,
@@ -28,6 +30,7 @@ Stage::Stage(const Options& options)
            .isAccessible = options.isAccessible,
            .onDongleLine = options.onDongleLine}),
       crossing(host, rig) {
+    if (hostServer) hostFrames.emplace(frameFolder.path());
     host.switchOffAcceleration();
     target.switchOffAcceleration();
 }

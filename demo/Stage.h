@@ -6,6 +6,8 @@
 #include "FrameBuffer.h"
 #include "XClient.h"
 
+#include <optional>
+
 namespace quenthisar::demo {
 
 /// Two computers side by side: a host with keyboard, mouse and the program, a target with a dongle,
@@ -18,6 +20,8 @@ public:
         QString programErrors{}; // as in `Rig`
         bool hasSettings = true;
         bool isAccessible = false;
+        /// Of an X server that is there already; where empty, the host has an Xvfb of its own.
+        QString hostDisplay{};
         ChildProcess::LineHandler onDongleLine{};
     };
 
@@ -33,14 +37,17 @@ public:
 
     /// Whether a key typed at the host arrives at its desk.
     bool hostKeyboardWorks(std::chrono::milliseconds limit);
-    QString hostDisplay() const { return hostServer.display(); }
-    void endHostServer() { hostServer.kill(); }
-    bool hostShowsCursor() const { return hostFrames.showsCursor(host); }
+    QString hostDisplay() const { return displayOfHost; }
+    /// Only with a server of its own, here and below.
+    void endHostServer() { hostServer->kill(); }
+    bool hostShowsCursor() const { return hostFrames->showsCursor(host); }
 
 private:
     QTemporaryDir frameFolder;
-    XServer hostServer, targetServer;
-    FrameBuffer hostFrames;
+    std::optional<XServer> hostServer;
+    const QString displayOfHost;
+    XServer targetServer;
+    std::optional<FrameBuffer> hostFrames;
 
 public:
     const XClient host, target;

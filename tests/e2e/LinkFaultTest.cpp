@@ -1,16 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "e2e/Faults.h"
-#include "e2e/StageFixture.h"
-
-#include <optional>
+#include "e2e/FaultFixture.h"
 
 namespace quenthisar::e2e {
 
 namespace {
-
-using Held = demo::XClient::Held;
-
-const QString firstDongle = QStringLiteral("");
 
 /// A way in which the link goes in a takeover, and how it can come back.
 struct Loss {
@@ -25,43 +18,7 @@ void PrintTo(const Loss& loss, std::ostream* out) {
 
 } // namespace
 
-class LinkFault : public StageFixture {
-protected:
-    void SetUp() override {
-        StageFixture::SetUp();
-        if (HasFatalFailure()) return;
-        faults.emplace(stage->rig.systemBusAddress());
-    }
-
-    void ask(const QString& method, const QVariantList& arguments) {
-        ASSERT_TRUE(faults->ask(method, arguments)) << method.toStdString();
-    }
-
-    /// Waits for a line of the dongle since the mark that ends in `event`; the time it gives.
-    std::optional<std::chrono::microseconds> waitForEvent(const QString& event) {
-        std::optional<std::chrono::microseconds> time;
-        stage->rig.dongle().waitFor(
-            dongleMark,
-            [&](const QStringList& lines) {
-                for (const auto& line : lines) {
-                    if (!line.endsWith(QStringLiteral("\" ") + event)) continue;
-                    time = std::chrono::microseconds{line.section(u' ', 0, 0).toLongLong()};
-                    return true;
-                }
-                return false;
-            },
-            soon);
-        return time;
-    }
-
-    void hold(const Held& held, bool down) {
-        for (const auto key : held.keys) stage->hands.key(key, down);
-        for (const auto button : held.buttons)
-            stage->hands.button(static_cast<std::uint8_t>(button), down);
-    }
-
-    std::optional<Faults> faults;
-};
+using LinkFault = FaultFixture;
 
 class LossOfTheLink : public LinkFault, public testing::WithParamInterface<Loss> {};
 

@@ -19,6 +19,13 @@ using demo::waitUntil;
 constexpr auto atOnce = 10s;
 constexpr auto soon = 20s;
 
+/// By how much sanitizers prolong what has a limit.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr int sanitizerFactor = 5;
+#else
+constexpr int sanitizerFactor = 1;
+#endif
+
 /// A stage of its own for each test, in a takeover when the test begins.
 class StageFixture : public testing::Test {
 protected:
@@ -33,18 +40,30 @@ protected:
         })) << "the probe, and only it, is written as a request";
     }
 
-    void enter(demo::Stage::Options options) {
-        demo::provideRuntimeFolder();
-        options.programs = demo::Programs::in(QStringLiteral(QUENTHISAR_PROGRAMS));
+    void enter(const demo::Stage::Options& options) {
+        ASSERT_NO_FATAL_FAILURE(start(options));
+        ASSERT_TRUE(stage->cross(soon)) << "crossing the edge does not take over";
+        markNow();
+    }
+
+    /// The program at its start, after `prepare`, if any.
+    void start(const demo::Stage::Options& options, const std::function<void()>& prepare = {}) {
         // What goes wrong here is this test's failure, not the end of the program.
         try {
-            stage = std::make_unique<demo::Stage>(options);
+            build(options);
+            if (prepare) prepare();
             stage->rig.startProgram();
         } catch (const std::exception& error) {
             FAIL() << error.what();
         }
-        ASSERT_TRUE(stage->cross(soon)) << "crossing the edge does not take over";
-        markNow();
+    }
+
+    /// Everything but the program.
+    void build(demo::Stage::Options options) {
+        demo::provideRuntimeFolder();
+        if (options.programs.quenthisar.isEmpty())
+            options.programs = demo::Programs::in(QStringLiteral(QUENTHISAR_PROGRAMS));
+        stage = std::make_unique<demo::Stage>(options);
     }
 
     /// From here on, the functions below look at what comes.
