@@ -185,6 +185,8 @@ void JsonFileDefaults::store() {
 }
 
 bool JsonFileDefaults::write() {
+    // Somebody may have put it there since the start.
+    if (mayReplace && QFileInfo(path).isDir()) moveAside();
     if (!mayReplace) return false;
     const QString folder = QFileInfo(path).path();
     if (!QDir().mkpath(folder)) return false;
