@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <csignal>
 #include <ctime>
 #include <fcntl.h>
+#include <filesystem>
+#include <optional>
 #include <poll.h>
 #include <string>
 #include <sys/resource.h>
@@ -130,6 +134,54 @@ TEST(SpawnLauncher, ReapsWhereNoDescriptorIsLeft) {
     launcher().launch({"/bin/sh", {"-c", "echo x > " + pipe.path()}});
     EXPECT_EQ(pipe.line(), "x");
     EXPECT_TRUE(allAreReaped());
+}
+
+std::ptrdiff_t openDescriptors() {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+bool descriptorsGetDownTo(std::ptrdiff_t count) {
+    const auto deadline = ::time(nullptr) + limit / 1000;
+    while (openDescriptors() > count && ::time(nullptr) < deadline) ::poll(nullptr, 0, 1);
+    return openDescriptors() <= count;
+}
+
+TEST(SpawnLauncher, StaysQuickAndKeepsNothingOfAThousandBesideThoseThatHangOrPrintOn) {
+    using Clock = std::chrono::steady_clock;
+    constexpr int hanging = 20, printing = 5, batches = 10, batch = 100;
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr std::chrono::milliseconds hitch{100};
+#else
+    constexpr std::chrono::milliseconds hitch{20};
+#endif
+    const Pipe done, gate;
+    std::optional<Pipe> full{std::in_place}; // that nobody reads
+    launcher();
+    const auto before = openDescriptors();
+    for (int i = 0; i < hanging; ++i) launcher().launch(shell("read < " + gate.path(0)));
+    for (int i = 0; i < printing; ++i)
+        launcher().launch(shell("while :; do echo x; done > " + full->path()));
+
+    std::vector<Clock::duration> longest;
+    for (int i = 0; i < batches; ++i) {
+        auto& worst = longest.emplace_back();
+        for (int j = 0; j < batch; ++j) {
+            const auto start = Clock::now();
+            launcher().launch(shell("echo x > " + done.path()));
+            worst = std::max(worst, Clock::now() - start);
+            ::poll(nullptr, 0, 1);
+        }
+        for (int j = 0; j < batch; ++j) ASSERT_EQ(done.line(), "x");
+    }
+    // On a busy machine anything may take its time once.
+    std::ranges::sort(longest);
+    EXPECT_LE(longest[longest.size() / 2], hitch);
+    EXPECT_TRUE(descriptorsGetDownTo(before + hanging + printing));
+
+    for (int i = 0; i < hanging; ++i) gate.open();
+    full.reset();
+    EXPECT_TRUE(allAreReaped());
+    EXPECT_TRUE(descriptorsGetDownTo(before));
 }
 
 TEST(SpawnLauncher, BlockedSignalsAreNotHandedOn) {
