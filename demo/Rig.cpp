@@ -17,6 +17,18 @@ using namespace std::chrono_literals;
 constexpr auto startLimit = 20s;
 const QString dongleAddress = QStringLiteral("C0:FF:EE:00:00:01");
 
+QStringList dongleArguments(const Rig::Options& options) {
+    QStringList result{QStringLiteral("--address"),    dongleAddress,
+                       QStringLiteral("--name"),       QStringLiteral("Target"),
+                       QStringLiteral("--display"),    options.targetDisplay,
+                       QStringLiteral("--line-delay"), QString::number(options.lineDelay.count())};
+    for (int number = 1; number <= options.otherDongles; ++number)
+        result +=
+            {QStringLiteral("--address"),
+             QStringLiteral("C0:FF:EE:00:01:%1").arg(number, 2, 16, QLatin1Char('0')).toUpper()};
+    return result;
+}
+
 } // namespace
 
 Programs Programs::in(const QString& folder) {
@@ -27,10 +39,7 @@ Programs Programs::in(const QString& folder) {
 
 Rig::Rig(Options given)
     : options(std::move(given)),
-      dongleProgram(options.programs.dongle,
-                    {QStringLiteral("--address"), dongleAddress, QStringLiteral("--name"),
-                     QStringLiteral("Target"), QStringLiteral("--display"), options.targetDisplay,
-                     QStringLiteral("--line-delay"), QString::number(options.lineDelay.count())},
+      dongleProgram(options.programs.dongle, dongleArguments(options),
                     {{QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()}}) {
     if (options.ownSession) sessionBus.emplace();
     if (options.onDongleLine) dongleProgram.onLine(options.onDongleLine);

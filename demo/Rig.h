@@ -34,6 +34,8 @@ public:
         /// Whether assistive technology sees the program's windows.
         bool isAccessible = false;
         ChildProcess::LineHandler onDongleLine{};
+        /// More that are in range, and belong to nobody.
+        int otherDongles = 0;
         /// How long the dongle's lines wait to be written together.
         std::chrono::milliseconds lineDelay{0};
     };

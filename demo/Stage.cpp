@@ -28,7 +28,8 @@ Stage::Stage(const Options& options)
            .programErrors = options.programErrors,
            .hasSettings = options.hasSettings,
            .isAccessible = options.isAccessible,
-           .onDongleLine = options.onDongleLine}),
+           .onDongleLine = options.onDongleLine,
+           .otherDongles = options.otherDongles}),
       crossing(host, rig) {
     if (hostServer) hostFrames.emplace(frameFolder.path());
     host.switchOffAcceleration();

@@ -20,6 +20,7 @@ public:
         QString programErrors{}; // as in `Rig`
         bool hasSettings = true;
         bool isAccessible = false;
+        int otherDongles = 0;
         /// Of an X server that is there already; where empty, the host has an Xvfb of its own.
         QString hostDisplay{};
         ChildProcess::LineHandler onDongleLine{};
