@@ -140,6 +140,12 @@ TEST(ProfilesTab, AddsByButtonAndByReturnAndEmptiesTheField) {
     EXPECT_EQ(f.profile(2).name, "Games");
     f.click("Add profile");
     EXPECT_EQ(f.profile(3).name, "Profile 4");
+    name.setFocus(Qt::MouseFocusReason);
+    QTest::keyClicks(&name, "Work");
+    f.click("Add profile");
+    EXPECT_EQ(f.profile(4).name, "Work");
+    EXPECT_EQ(name.text(), "") << "left for the button";
+    f.click("Delete profile Work");
 
     // The new cards stand before the field, for the eye and for Tab.
     auto& last = f.field("On activate - send to target (e.g. cmd+l), profile 4");

@@ -50,7 +50,7 @@ void TextField::show(const std::string& stored) {
 }
 
 void TextField::reload() {
-    if (isEdited) show(binding.get());
+    show(binding.get());
 }
 
 void TextField::focusOutEvent(QFocusEvent* event) {
