@@ -90,5 +90,23 @@ TEST_F(ConfigWindowTest, LongContentScrolls) {
         EXPECT_LE(area->widget()->minimumSizeHint().width(), area->viewport()->width());
 }
 
+TEST_F(ConfigWindowTest, ANewProfileIsSeen) {
+    for (int i = 0; i < 10; ++i) state.addProfile({});
+    open();
+    window.findChild<ConfigTabs*>()->setCurrentIndex(2);
+    settle();
+    auto& name = controlNamed<TextField>(window, "New profile name");
+    name.setFocus(Qt::TabFocusReason);
+    QTest::keyClicks(&name, "Twelfth");
+    QTest::keyClick(&name, Qt::Key_Return);
+    settle();
+    settle(); // its place
+    const auto isSeen = [](const QWidget& widget) {
+        return widget.visibleRegion().boundingRect() == widget.rect();
+    };
+    EXPECT_TRUE(isSeen(controlNamed<TextField>(window, "Name of profile 12")));
+    EXPECT_TRUE(isSeen(name));
+}
+
 } // namespace
 } // namespace quenthisar

@@ -3,6 +3,7 @@
 
 #include "UI/Qt/Label.h"
 #include "UI/Qt/ProfileCard.h"
+#include "UI/Qt/ScrollPage.h"
 #include "UI/Qt/TextField.h"
 
 #include <QApplication>
@@ -75,6 +76,11 @@ QWidget* ProfilesTab::makeNewRow() {
 void ProfilesTab::add() {
     model.add();
     newName->reload();
+    refresh();
+    // First the row that is used on, then what has come: where there is no room for both, that
+    // counts.
+    ScrollPage::reveal(*newName);
+    ScrollPage::reveal(*cards.back());
 }
 
 /// Of a double click the second one meets the card that has moved up.

@@ -13,4 +13,14 @@ ScrollPage::ScrollPage(QWidget* content, QWidget* parent) : QScrollArea(parent) 
     viewport()->setAutoFillBackground(false);
 }
 
+void ScrollPage::reveal(QWidget& widget) {
+    constexpr int margin = 16; // in points
+    const auto scroll = [&widget] {
+        for (auto* above = widget.parentWidget(); above; above = above->parentWidget())
+            if (auto* page = dynamic_cast<ScrollPage*>(above))
+                return page->ensureWidgetVisible(&widget, margin, margin);
+    };
+    QMetaObject::invokeMethod(&widget, scroll, Qt::QueuedConnection);
+}
+
 } // namespace quenthisar
