@@ -115,6 +115,30 @@ TEST_F(DonglesTabTest, ShowingASpeedNeverWritesIt) {
     EXPECT_EQ(defaults.writes, (std::vector<std::string>{"sensitivities", "sensitivities"}));
 }
 
+TEST_F(DonglesTabTest, ASpeedFromBeyondTheSliderCanBeSetToItsEnds) {
+    const auto end = [this](double stored, const auto& move) {
+        state.setSensitivity(stored, A);
+        settle();
+        defaults.writes.clear();
+        move();
+        EXPECT_EQ(defaults.writes.size(), 1U);
+        return state.sensitivities->at(A);
+    };
+    const auto key = [this](Qt::Key pressed) {
+        return [this, pressed] { QTest::keyClick(&slider(), pressed); };
+    };
+    const auto readerSets = [this](double speed) {
+        return [this, speed] {
+            QAccessible::queryAccessibleInterface(&slider())->valueInterface()->setCurrentValue(
+                speed);
+        };
+    };
+    EXPECT_EQ(end(5.0, key(Qt::Key_End)), 3.0);
+    EXPECT_EQ(end(0.1, key(Qt::Key_Home)), 0.25);
+    EXPECT_EQ(end(5.0, readerSets(3.0)), 3.0);
+    EXPECT_EQ(end(1.0, key(Qt::Key_End)), 3.0);
+}
+
 TEST_F(DonglesTabTest, AHandleStaysUnderThePointerThatHoldsIt) {
     const auto middle = [this] {
         QStyleOptionSlider option;

@@ -68,6 +68,9 @@ SpeedSlider::SpeedSlider(Binding<double> speed, Range range, QWidget* parent)
     setPageStep(pageSpan);
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QSlider::valueChanged, this, &SpeedSlider::write);
+    connect(this, &QSlider::actionTriggered, this, [this](int action) {
+        if (action == SliderToMinimum || action == SliderToMaximum) put(sliderPosition());
+    });
     refresh();
 }
 
@@ -88,11 +91,20 @@ double SpeedSlider::shown() const {
 void SpeedSlider::moveTo(double speed) {
     const double position = speed * positionsPerUnit;
     if (position >= minimum() && position <= maximum())
-        setValue(static_cast<int>(std::lround(position)));
+        put(static_cast<int>(std::lround(position)));
+}
+
+/// The toolkit tells of no change where the handle is there: what is stored may lie beyond.
+void SpeedSlider::put(int position) {
+    if (position == value())
+        write(position);
+    else
+        setValue(position);
 }
 
 void SpeedSlider::write(int position) {
-    if (!isShowing) binding.set(position / positionsPerUnit);
+    const double speed = position / positionsPerUnit;
+    if (!isShowing && binding.get() != speed) binding.set(speed);
 }
 
 /// The toolkit would bring the middle of the handle to the pointer.

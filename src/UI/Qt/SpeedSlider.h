@@ -32,6 +32,7 @@ protected:
     void wheelEvent(QWheelEvent* event) override;
 
 private:
+    void put(int position);
     void write(int position);
 
     Binding<double> binding;
