@@ -36,6 +36,17 @@ bool isWhitespaceOrNewline(std::int32_t scalar) {
     return category == UTF8PROC_CATEGORY_ZL || category == UTF8PROC_CATEGORY_ZP;
 }
 
+bool breaksTheLine(std::int32_t scalar) {
+    const auto category = utf8proc_category(scalar);
+    return category == UTF8PROC_CATEGORY_CC || category == UTF8PROC_CATEGORY_ZL ||
+           category == UTF8PROC_CATEGORY_ZP;
+}
+
+/// Embeddings, overrides and isolates, and their ends.
+bool turnsTheDirection(std::int32_t scalar) {
+    return (scalar >= 0x202A && scalar <= 0x202E) || (scalar >= 0x2066 && scalar <= 0x2069);
+}
+
 bool isMark(const utf8proc_property_t& property) {
     return property.category >= UTF8PROC_CATEGORY_MN && property.category <= UTF8PROC_CATEGORY_ME;
 }
@@ -74,6 +85,20 @@ std::string_view trimmedOfBlanks(std::string_view text) {
 
 std::string_view trimmedOfWhitespaceAndNewlines(std::string_view text) {
     return trimmed(text, isWhitespaceOrNewline);
+}
+
+std::string onOneLine(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const auto [scalar, length] = decodeFirst(text);
+        if (scalar >= 0 && breaksTheLine(scalar))
+            result += ' ';
+        else if (!turnsTheDirection(scalar))
+            result += text.substr(0, length);
+        text.remove_prefix(length);
+    }
+    return result;
 }
 
 std::string lowercased(std::string_view text) {

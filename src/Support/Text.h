@@ -23,6 +23,10 @@ std::string_view trimmedOfBlanks(std::string_view text);
 /// both ends.
 std::string_view trimmedOfWhitespaceAndNewlines(std::string_view text);
 
+/// As a text of unknown origin is shown beside others: on one line, with a space for each control
+/// and line break, and without the marks that turn the direction of what stands after them.
+std::string onOneLine(std::string_view text);
+
 /// In lower case, as Unicode's full mapping has it outside of any language.
 std::string lowercased(std::string_view text);
 

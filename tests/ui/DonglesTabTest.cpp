@@ -248,6 +248,9 @@ TEST_F(DonglesTabTest, TellsWhoHasTheInputAndWhatIsMissing) {
     EXPECT_FALSE(grant.isVisible());
     EXPECT_TRUE(shows("Bluetooth: On"));
     EXPECT_TRUE(shows("Active: <b>Desk</b>"));
+    state.activeMode = "A  desk\n\u202Ewith marks";
+    settle();
+    EXPECT_TRUE(shows("Active: A  desk with marks"));
 }
 
 TEST_F(DonglesTabTest, ALongNameDoesNotWidenTheTab) {

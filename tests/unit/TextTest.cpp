@@ -25,6 +25,16 @@ TEST(Text, TrimsEverySeparatorAndLineBreak) {
     EXPECT_EQ(Text::trimmedOfWhitespaceAndNewlines(" \n"), "");
 }
 
+TEST(Text, StandsOnOneLineAndTurnsNothingThatFollows) {
+    EXPECT_EQ(Text::onOneLine(" two\n\xE2\x80\xA8lines \t\x01 more\0"sv), " two  lines    more ");
+    EXPECT_EQ(Text::onOneLine("\xE2\x80\xAE"
+                              "exe.\xE2\x81\xA6txt\xE2\x80\xAC\xE2\x81\xA9"),
+              "exe.txt");
+    EXPECT_EQ(Text::onOneLine("\xD7\xA9\xE2\x80\x8F \xFF\xF0\x9F\x8C\x8D"),
+              "\xD7\xA9\xE2\x80\x8F \xFF\xF0\x9F\x8C\x8D")
+        << "letters, marks that stand for one, and bytes that are no text";
+}
+
 TEST(Text, LowersCaseOfAllOfUnicode) {
     EXPECT_EQ(Text::lowercased("CMD+Ä"), "cmd+ä");
     EXPECT_EQ(Text::lowercased("\xE2\x84\xAA"), "k") << "the Kelvin sign";

@@ -7,6 +7,7 @@
 #include "UI/Qt/SpeedSlider.h"
 #include "UI/Qt/Swatch.h"
 #include "UI/Qt/TextField.h"
+#include "UI/Qt/Typography.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -135,7 +136,7 @@ void DongleCard::showActions(DongleConnectionState state) {
 
 /// By the default name: the nickname changes with each letter that is typed.
 void DongleCard::nameControls() {
-    const auto name = QString::fromStdString(model.placeholder(id)).simplified();
+    const auto name = shownName(model.placeholder(id));
     if (name == nickname->placeholderText()) return;
     nickname->setPlaceholderText(name);
     setAccessibleName(name);

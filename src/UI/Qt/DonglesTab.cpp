@@ -7,6 +7,7 @@
 #include "UI/Qt/Label.h"
 #include "UI/Qt/Switch.h"
 #include "UI/Qt/SymbolView.h"
+#include "UI/Qt/Typography.h"
 
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -82,7 +83,7 @@ GroupBox* DonglesTab::makeCaptureBox() {
 void DonglesTab::refresh() {
     warning->setVisible(!*state.axTrusted);
     capture->refresh();
-    active->setText(QString::fromStdString(model.activeText()).simplified());
+    active->setText(shownName(model.activeText()));
     active->setColor(model.isLocal() ? TextColor::secondary : TextColor::accent);
     bluetooth->setText(QString::fromStdString(model.bluetoothText()));
     noDongles->setVisible(state.dongles->empty());

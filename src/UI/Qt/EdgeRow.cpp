@@ -2,9 +2,9 @@
 #include "UI/Qt/EdgeRow.h"
 
 #include "UI/Qt/Drawing.h"
-#include "UI/Qt/Hints.h"
 #include "UI/Qt/Label.h"
 #include "UI/Qt/Picker.h"
+#include "UI/Qt/Typography.h"
 
 #include <QHBoxLayout>
 
@@ -32,12 +32,8 @@ EdgeRow::EdgeRow(Edge rowEdge, QWidget* parent)
 
 void EdgeRow::show(const EdgesModel& model, const ScreenInfo& screen) {
     const auto binding = model.binding(screen, edge);
-    const auto meaning = tr("%1 edge of %2")
-                             .arg(QString::fromStdString(title(edge)),
-                                  QString::fromStdString(screen.name).simplified());
-    quenthisar::setAccessibleName(*picker, meaning);
-    // Here the toolkit gives screen readers a picker's choice as its name.
-    quenthisar::setAccessibleDescription(*picker, meaning);
+    picker->setMeaning(
+        tr("%1 edge of %2").arg(QString::fromStdString(title(edge)), shownName(screen.name)));
     picker->show(binding, model.dongleOffers(binding.get()));
     const bool canBind = model.canBind(screen, edge);
     picker->setVisible(canBind);

@@ -5,6 +5,7 @@
 #include "UI/Qt/Label.h"
 #include "UI/Qt/Picker.h"
 #include "UI/Qt/ScreenMapWidget.h"
+#include "UI/Qt/Typography.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -42,7 +43,7 @@ EdgesTab::EdgesTab(AppState& appState, QWidget* parent)
 
 QWidget* EdgesTab::makeProfileRow() {
     profilePicker->setFixedWidth(pickerWidth);
-    profilePicker->setAccessibleName(tr("Profile"));
+    profilePicker->setMeaning(tr("Profile"));
     auto* row = new QWidget;
     auto* layout = new QHBoxLayout(row);
     layout->setContentsMargins({});
@@ -83,7 +84,7 @@ void EdgesTab::refresh() {
 }
 
 void EdgesTab::showDetails(const ScreenInfo& screen) {
-    screenName->setText(QString::fromStdString(screen.name).simplified());
+    screenName->setText(shownName(screen.name));
     for (auto* row : rows) row->show(model, screen);
 }
 

@@ -2,6 +2,7 @@
 #include "UI/Qt/HUDWidget.h"
 
 #include "UI/Qt/Colors.h"
+#include "UI/Qt/Typography.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
@@ -45,8 +46,7 @@ QRegion capsuleRegion(const QRectF& rect) {
 } // namespace
 
 HUDWidget::HUDWidget(const HUDView& view)
-    : target(QString::fromStdString(view.target).simplified()), color(standardColor(view.color)),
-      face(font()) {
+    : target(shownName(view.target)), color(standardColor(view.color)), face(font()) {
     face.setPixelSize(fontSize);
     face.setWeight(QFont::DemiBold);
     setAccessibleName(target);

@@ -32,6 +32,12 @@ Picker::Picker(QWidget* parent) : QComboBox(parent) {
     connect(this, &QComboBox::activated, this, &Picker::choose);
 }
 
+void Picker::setMeaning(const QString& meaning) {
+    quenthisar::setAccessibleName(*this, meaning);
+    // The toolkit gives them the choice as the name.
+    quenthisar::setAccessibleDescription(*this, meaning);
+}
+
 void Picker::show(Selection next, std::vector<Offer> nextOffers) {
     selection = std::move(next);
     // Row by row, so that an open list keeps its place.
@@ -47,7 +53,7 @@ void Picker::show(Selection next, std::vector<Offer> nextOffers) {
 
 void Picker::fill(int index) {
     const auto& offer = offers[static_cast<std::size_t>(index)];
-    const auto title = QString::fromStdString(offer.title).simplified();
+    const auto title = shownName(offer.title);
     setItemText(index, title);
     setItemData(index, hint(title), Qt::ToolTipRole);
     setItemIcon(index, offer.color

@@ -19,6 +19,8 @@ public:
 
     explicit Picker(QWidget* parent = nullptr);
 
+    /// For screen readers: what is picked here.
+    void setMeaning(const QString& meaning);
     /// Shows `next`, and what `selection` says of it. An open list stays open.
     void show(Selection selection, std::vector<Offer> next);
 

@@ -6,6 +6,7 @@
 #include "UI/Qt/Label.h"
 #include "UI/Qt/SymbolButton.h"
 #include "UI/Qt/TextField.h"
+#include "UI/Qt/Typography.h"
 
 #include <QHBoxLayout>
 #include <QVBoxLayout>
@@ -101,7 +102,7 @@ void ProfileCard::refresh(std::size_t position) {
 
     // By number where a person types the name, which must not be read out with each letter.
     const auto number = QString::number(position + 1);
-    const auto title = QString::fromStdString(model.name(id).get()).simplified();
+    const auto title = shownName(model.name(id).get());
     using quenthisar::setAccessibleName;
     setAccessibleName(*marker, tr("Make profile %1 active").arg(title));
     setAccessibleName(*trash, tr("Delete profile %1").arg(title));

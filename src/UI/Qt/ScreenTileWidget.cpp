@@ -48,7 +48,7 @@ void ScreenTileWidget::show(const ScreenTile& next, const TileDrawing& nextDrawi
     if (next == tile && nextDrawing == drawing) return;
     tile = next;
     drawing = nextDrawing;
-    const auto name = QString::fromStdString(tile.name).simplified();
+    const auto name = shownName(tile.name);
     setAccessibleName(name);
     setToolTip(hint(name));
     update();
@@ -93,7 +93,7 @@ void ScreenTileWidget::paintEvent(QPaintEvent*) {
 void ScreenTileWidget::paintName(QPainter& painter, const QRectF& area) const {
     const auto face = quenthisar::font(TextRole::caption2);
     const QFontMetricsF metrics(face);
-    auto name = QString::fromStdString(tile.name).simplified();
+    auto name = shownName(tile.name);
     const auto room = area.adjusted(namePadding, 0, -namePadding, 0);
     if (name.isEmpty() || room.width() <= 0) return;
     const double scale = std::min(

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Qt/Typography.h"
 
+#include "Support/Text.h"
+
 #include <QApplication>
 
 namespace quenthisar {
@@ -20,6 +22,10 @@ constexpr int size(TextRole role) {
 }
 
 } // namespace
+
+QString shownName(const std::string& name) {
+    return QString::fromStdString(Text::onOneLine(name));
+}
 
 QFont font(TextRole role) {
     QFont result = QApplication::font();
