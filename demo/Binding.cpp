@@ -32,11 +32,13 @@ std::optional<BoundEdge> rightEdge(const XClient& client) {
         right(*outermost) > right(*chosen))
         chosen = outermost;
 
-    const auto twins = std::ranges::count(monitors, chosen->edid, &XClient::Monitor::edid);
-    const auto isUnique = !chosen->edid.isEmpty() && twins == 1;
-    return BoundEdge{.monitor = *chosen,
-                     .displayUuid = identifierOf(isUnique ? chosen->edid
-                                                          : chosen->edid + chosen->name.toUtf8())};
+    return BoundEdge{.monitor = *chosen, .displayUuid = displayUuid(*chosen, monitors)};
+}
+
+QString displayUuid(const XClient::Monitor& monitor, const QList<XClient::Monitor>& monitors) {
+    const auto twins = std::ranges::count(monitors, monitor.edid, &XClient::Monitor::edid);
+    const auto isUnique = !monitor.edid.isEmpty() && twins == 1;
+    return identifierOf(isUnique ? monitor.edid : monitor.edid + monitor.name.toUtf8());
 }
 
 QString dongleUuid(const QString& address) {

@@ -18,6 +18,9 @@ struct BoundEdge {
 /// if the server has no monitor.
 std::optional<BoundEdge> rightEdge(const XClient& client);
 
+/// Of one of these monitors.
+QString displayUuid(const XClient::Monitor& monitor, const QList<XClient::Monitor>& monitors);
+
 /// `address` in upper case with colons.
 QString dongleUuid(const QString& address);
 

@@ -53,6 +53,12 @@ xcb_window_t find(const XClient& client, xcb_window_t below) {
     return XCB_NONE;
 }
 
+} // namespace
+
+xcb_window_t configurationWindow(const XClient& client) {
+    return find(client, client.root());
+}
+
 void askToClose(const XClient& client, xcb_window_t window) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
@@ -65,8 +71,6 @@ void askToClose(const XClient& client, xcb_window_t window) {
     xcb_flush(client.get());
 }
 
-} // namespace
-
 xcb_window_t focusedWindow(const XClient& client) {
     const Reply<xcb_get_input_focus_reply_t> focus{
         xcb_get_input_focus_reply(client.get(), xcb_get_input_focus(client.get()), nullptr)};
@@ -77,7 +81,7 @@ bool closeConfigurationWindow(const XClient& client, xcb_window_t focus,
                               std::chrono::milliseconds limit) {
     xcb_window_t window = XCB_NONE;
     const auto isOpen = [&] {
-        window = find(client, client.root());
+        window = configurationWindow(client);
         return window != XCB_NONE;
     };
     if (!waitUntil(isOpen, limit)) return false;

@@ -91,6 +91,8 @@ ChildProcess::Environment Rig::environment() const {
         result.emplace_back(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("x11"));
         result.emplace_back(QStringLiteral("WAYLAND_DISPLAY"), QString{});
     }
+    result.insert(result.end(), options.programEnvironment.begin(),
+                  options.programEnvironment.end());
     return result;
 }
 

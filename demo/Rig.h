@@ -33,6 +33,8 @@ public:
         bool hasSettings = true;
         /// Whether assistive technology sees the program's windows.
         bool isAccessible = false;
+        /// Of the program, besides what each rig gives it; comes last.
+        ChildProcess::Environment programEnvironment{};
         ChildProcess::LineHandler onDongleLine{};
         /// More that are in range, and belong to nobody.
         int otherDongles = 0;

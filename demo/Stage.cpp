@@ -28,6 +28,7 @@ Stage::Stage(const Options& options)
            .programErrors = options.programErrors,
            .hasSettings = options.hasSettings,
            .isAccessible = options.isAccessible,
+           .programEnvironment = options.programEnvironment,
            .onDongleLine = options.onDongleLine,
            .otherDongles = options.otherDongles}),
       crossing(host, rig) {

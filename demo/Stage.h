@@ -23,6 +23,7 @@ public:
         int otherDongles = 0;
         /// Of an X server that is there already; where empty, the host has an Xvfb of its own.
         QString hostDisplay{};
+        ChildProcess::Environment programEnvironment{}; // as in `Rig`
         ChildProcess::LineHandler onDongleLine{};
     };
 

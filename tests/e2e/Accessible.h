@@ -32,6 +32,7 @@ public:
     QString description() const;
     QString text() const;
     bool isChecked() const { return hasState(4); }
+    bool isExpanded() const { return hasState(10); }
     bool isEnabled() const { return hasState(8); }
     bool isFocused() const { return hasState(12); }
     bool isShowing() const { return hasState(25); }

@@ -1,14 +1,23 @@
 // SPDX-License-Identifier: MIT
+#include "demo/ConfigurationWindow.h"
 #include "demo/Hands.h"
+#include "demo/ReportLine.h"
 #include "demo/Rig.h"
 #include "demo/RuntimeFolder.h"
+#include "demo/SelectionOwner.h"
 #include "e2e/SystemTray.h"
 #include "support/StatusPanel.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <memory>
 
@@ -40,6 +49,37 @@ protected:
     static bool waitUntil(const std::function<bool()>& done) {
         return StatusPanel::waitUntil(done, soon);
     }
+    /// Two profiles, the first one active; the second one does something when it becomes active.
+    void writeProfiles(const QString& command, const QString& chord) const {
+        QFile file{rig->settingsFile()};
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        auto all = QJsonDocument::fromJson(file.readAll()).object();
+        file.close();
+        const auto bindings = all[u"edgeBindings"_s];
+        const QJsonArray profiles{
+            QJsonObject{{u"id"_s, workId}, {u"name"_s, u"Work"_s}, {u"bindings"_s, bindings}},
+            QJsonObject{{u"id"_s, playId},
+                        {u"name"_s, u"Play"_s},
+                        {u"bindings"_s, bindings},
+                        {u"activateCommand"_s, command},
+                        {u"targetCommand"_s, chord}}};
+        const auto text = QJsonDocument{profiles}.toJson(QJsonDocument::Compact).toBase64();
+        all[u"profiles"_s] = QJsonObject{{u"$data"_s, QString::fromLatin1(text)}};
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QJsonDocument{all}.toJson());
+    }
+    QString activeProfile() const {
+        QFile file{rig->settingsFile()};
+        if (!file.open(QIODevice::ReadOnly)) return {};
+        return QJsonDocument::fromJson(file.readAll())[u"activeProfile"_s].toString();
+    }
+    bool dongleGets(const QString& keys) {
+        return waitUntil([&] {
+            return std::ranges::any_of(
+                demo::reportLines(rig->dongle().since(0)),
+                [&](const auto& line) { return line.what == u"keyboard "_s + keys; });
+        });
+    }
     /// How the program ends.
     std::optional<int> end() { return rig->quenthisar().waitForEnd(soon); }
 
@@ -69,6 +109,8 @@ protected:
         return count;
     }
 
+    const QString workId = u"11111111-2222-4333-8444-555555555501"_s,
+                  playId = u"11111111-2222-4333-8444-555555555502"_s;
     int argumentCount = 1;
     char name[6] = "tests";
     char* list[2] = {name, nullptr};
@@ -121,6 +163,46 @@ TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
 
     panel.click(menu[u"Quit"_s].id);
     EXPECT_EQ(end(), 0);
+}
+
+TEST_F(StatusMenu, SwitchesProfilesTypesAndOpensTheWindow) {
+    const auto activated = rig->configurationFolder() + u"/activated"_s;
+    rig->endProgram();
+    writeProfiles(u"touch '%1'"_s.arg(activated), u"cmd+l"_s);
+    rig->startProgram();
+    StatusPanel panel(rig->sessionBusAddress());
+    ASSERT_TRUE(panel.waitForItem());
+    const auto profile = u"Profile"_s, take = u"Take over"_s, type = u"Type Clipboard to Target"_s;
+    const auto marks = [&](int work, int play) {
+        return panel.waitForMenu([&](const PanelItem& now) {
+            const auto& items = now[profile].children;
+            return items.size() == 2 && items[0].label() == u"Work" && items[0].mark() == work &&
+                   items[1].label() == u"Play" && items[1].mark() == play;
+        });
+    };
+    ASSERT_TRUE(marks(1, 0));
+    panel.click(panel.menu()[profile][u"Play"_s].id);
+    EXPECT_TRUE(marks(0, 1));
+    EXPECT_TRUE(waitUntil([&] { return activeProfile() == playId; }));
+    EXPECT_TRUE(waitUntil([&] { return QFile::exists(activated); }));
+    EXPECT_TRUE(dongleGets(u"modifiers=gui keys=l"_s));
+
+    const demo::SelectionOwner clipboard(u"q"_s, hostServer.display());
+    ASSERT_TRUE(panel.menu()[type].isEnabled());
+    panel.click(panel.menu()[type].id);
+    EXPECT_TRUE(dongleGets(u"modifiers=none keys=q"_s));
+
+    EXPECT_EQ(demo::configurationWindow(host), xcb_window_t{XCB_NONE});
+    panel.click(panel.menu()[u"Open Quenthisar"_s].id);
+    EXPECT_TRUE(
+        waitUntil([&] { return demo::configurationWindow(host) != xcb_window_t{XCB_NONE}; }));
+
+    rig->dongle().process().signal(SIGKILL);
+    EXPECT_TRUE(panel.waitForMenu([&](const PanelItem& now) {
+        const auto& items = now[take].children;
+        return items.size() == 1 && items[0].label() == u"No connected dongles" &&
+               !items[0].isEnabled() && !now[type].isEnabled();
+    }));
 }
 
 TEST_F(StatusMenu, OpensFromATrayOfWindowsWhereThereIsNoPanel) {
