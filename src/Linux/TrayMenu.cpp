@@ -13,6 +13,8 @@ namespace quenthisar {
 
 namespace {
 
+constexpr int widestTitle = 400; // in points
+
 QString withoutMnemonic(QString title) {
     return title.replace(QLatin1Char('&'), QStringLiteral("&&"));
 }
@@ -46,7 +48,8 @@ void TrayMenu::fill(QMenu& menu, const Menu& items) {
             menu.addSeparator();
             continue;
         }
-        const auto title = withoutMnemonic(menuTitle(item.title));
+        const auto title = withoutMnemonic(
+            fontMetrics().elidedText(menuTitle(item.title), Qt::ElideMiddle, widestTitle));
         if (item.submenu) {
             auto& submenu = *submenus.emplace_back(std::make_unique<QMenu>(title));
             fill(submenu, *item.submenu);

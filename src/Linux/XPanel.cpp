@@ -83,6 +83,7 @@ bool XPanel::isComposited() {
 
 Size XPanel::fittingSize(Point on) {
     if (auto* known = toolkitScreen(pixelFrom(on, space))) content->setScreen(known);
+    content->resize(content->sizeHint()); // which may depend on its display
     const auto* screen = content->screen();
     const auto size = QSizeF(content->size()) * (screen ? screen->devicePixelRatio() : 1);
     return {std::round(size.width()), std::round(size.height())};

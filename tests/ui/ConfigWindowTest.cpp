@@ -6,7 +6,10 @@
 
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
+
+#include <algorithm>
 
 namespace quenthisar {
 namespace {
@@ -83,11 +86,24 @@ TEST_F(ConfigWindowTest, LongContentScrolls) {
     settle();
     auto* last = window.findChildren<TextField*>().at(19);
     last->setFocus(Qt::TabFocusReason);
-    for (auto* area : window.findChildren<QScrollArea*>())
-        if (area->isAncestorOf(last)) area->ensureWidgetVisible(last);
+    const auto pages = window.findChildren<QScrollArea*>();
+    auto& page =
+        **std::ranges::find_if(pages, [&](const auto* each) { return each->isAncestorOf(last); });
+    page.ensureWidgetVisible(last);
     EXPECT_TRUE(window.rect().contains(last->mapTo(&window, last->rect().center())));
-    for (const auto* area : window.findChildren<QScrollArea*>())
+    for (const auto* area : pages)
         EXPECT_LE(area->widget()->minimumSizeHint().width(), area->viewport()->width());
+
+    auto& bar = *page.verticalScrollBar();
+    bar.setValue(0);
+    QTest::mouseClick(&bar, Qt::LeftButton, {}, bar.rect().center());
+    EXPECT_EQ(bar.value(), bar.pageStep());
+    bar.setValue(0);
+    const QPoint held(bar.width() / 2, 5);
+    QTest::mousePress(&bar, Qt::LeftButton, {}, held);
+    QTest::mouseMove(&bar, held + QPoint(0, bar.height()));
+    QTest::mouseRelease(&bar, Qt::LeftButton, {}, held + QPoint(0, bar.height()));
+    EXPECT_EQ(bar.value(), bar.maximum());
 }
 
 TEST_F(ConfigWindowTest, ANewProfileIsSeen) {

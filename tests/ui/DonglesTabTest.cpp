@@ -257,6 +257,14 @@ TEST_F(DonglesTabTest, ALongNameDoesNotWidenTheTab) {
     state.activeMode = std::string(200, 'W');
     const DonglesTab other{{state, {}}};
     EXPECT_EQ(other.minimumSizeHint().width(), tab.minimumSizeHint().width());
+
+    // What tells dongles of one name apart is seen all the same.
+    state.dongles.modify([](auto& list) { list.front().name = std::string(200, 'W'); });
+    settle();
+    const auto& field =
+        controlNamed<TextField>(tab, "Nickname of " + QString(200, 'W') + " (AAAA)");
+    EXPECT_TRUE(field.placeholderText().endsWith("AAAA)")) << field.placeholderText().toStdString();
+    EXPECT_LE(field.fontMetrics().horizontalAdvance(field.placeholderText()), field.width());
 }
 
 TEST_F(DonglesTabTest, ColoursFollowTheDesktop) {

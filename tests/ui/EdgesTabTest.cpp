@@ -235,7 +235,7 @@ TEST(EdgesTab, AnUnknownDongleIsShownButNotOffered) {
     EXPECT_EQ(left.count(), 3);
 }
 
-TEST(EdgesTab, HintsTellNamesAsTheyAre) {
+TEST(EdgesTab, NamesOfOthersAreShownAsTheyAreWithinBounds) {
     const QString name = "R&D <b>Desk</b> &amp;";
     const auto seen = [](const QString& hint) {
         if (!Qt::mightBeRichText(hint)) return hint;
@@ -244,6 +244,11 @@ TEST(EdgesTab, HintsTellNamesAsTheyAre) {
         return document.toPlainText();
     };
     Fixture f;
+    f.state.setNickname(std::string(200, 'W'), A);
+    f.settle();
+    f.picker("Left edge of Display D1").showPopup();
+    EXPECT_LE(f.picker("Left edge of Display D1").view()->window()->width(), 420);
+    f.picker("Left edge of Display D1").hidePopup();
     f.state.setNickname(name.toStdString(), A);
     f.state.setNickname("R&D", B);
     f.state.setBinding("D1", Edge::left, A);

@@ -24,12 +24,18 @@ void DigitsLabel::paintEvent(QPaintEvent*) {
     const auto widthOf = [&](QChar character) {
         return character.isDigit() ? widest : metrics.horizontalAdvance(character);
     };
-    double width = 0;
-    for (const QChar character : text()) width += widthOf(character);
+    const auto widthOfAll = [&](const QString& all) {
+        double sum = 0;
+        for (const QChar character : all) sum += widthOf(character);
+        return sum;
+    };
     // The start is what counts of a number that finds no room.
-    double left = std::max(0.0, this->width() - width);
+    auto shown = text();
+    for (auto length = shown.size(); length > 0 && widthOfAll(shown) > width(); --length)
+        shown = text().first(length - 1) + QChar(u'…');
+    double left = std::max(0.0, width() - widthOfAll(shown));
     painter.setPen(palette().color(foregroundRole()));
-    for (const QChar character : text()) {
+    for (const QChar character : shown) {
         const QRectF cell(left, 0, widthOf(character), height());
         painter.drawText(cell, Qt::AlignCenter | Qt::TextDontClip, QString(character));
         left += cell.width();

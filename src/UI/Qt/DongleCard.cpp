@@ -137,8 +137,8 @@ void DongleCard::showActions(DongleConnectionState state) {
 /// By the default name: the nickname changes with each letter that is typed.
 void DongleCard::nameControls() {
     const auto name = shownName(model.placeholder(id));
-    if (name == nickname->placeholderText()) return;
-    nickname->setPlaceholderText(name);
+    if (name == accessibleName()) return;
+    nickname->setPlaceholder(name);
     setAccessibleName(name);
     nickname->setAccessibleName(tr("Nickname of %1").arg(name));
     identify->setAccessibleName(tr("Identify %1").arg(name));

@@ -6,6 +6,8 @@
 #include <QPainter>
 #include <QStyleOption>
 
+#include <algorithm>
+
 namespace quenthisar {
 
 namespace {
@@ -74,6 +76,20 @@ void drawSlider(QPainter& painter, const QStyleOptionSlider& option, const QRect
     drawRounded(painter, knob, radius, isDown ? QColor(0xE4, 0xE4, 0xE4) : QColor(Qt::white),
                 withOpacity(Qt::black, 0.35));
     if (showsFocus(option)) drawFocusRing(painter, handle, radius + margin);
+}
+
+void drawScrollBar(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle) {
+    constexpr double margin = 3;
+    const bool isHeld = (option.activeSubControls & QStyle::SC_ScrollBarSlider) &&
+                        (option.state & (QStyle::State_Sunken | QStyle::State_MouseOver));
+    const auto bar = handle.adjusted(margin, margin, -margin, -margin);
+    const double radius = std::min(bar.width(), bar.height()) / 2;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(withOpacity(primaryColor(), isHeld ? 0.6 : 0.45));
+    painter.drawRoundedRect(bar, radius, radius);
+    painter.restore();
 }
 
 void drawTab(QPainter& painter, const QStyleOptionTab& option) {

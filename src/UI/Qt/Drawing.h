@@ -12,7 +12,7 @@ namespace quenthisar {
 
 /// Of buttons, fields and pickers, in points.
 inline constexpr int controlHeight = 26;
-inline constexpr int sliderHandleSize = 18, tabHeight = 40;
+inline constexpr int sliderHandleSize = 18, tabHeight = 40, scrollBarWidth = 12;
 
 // The shapes of controls, in the colours of the option's palette and state.
 
@@ -20,6 +20,8 @@ void drawField(QPainter& painter, const QStyleOption& option);
 void drawButton(QPainter& painter, const QStyleOption& option);
 /// With the handle in `handle`; the line is filled up to there.
 void drawSlider(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle);
+/// Only what is held: the rest of it shows the window.
+void drawScrollBar(QPainter& painter, const QStyleOptionSlider& option, const QRectF& handle);
 void drawTab(QPainter& painter, const QStyleOptionTab& option);
 /// Between what is above the option's rectangle and what is below.
 void drawHairline(QPainter& painter, const QStyleOption& option);

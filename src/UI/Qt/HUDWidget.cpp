@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QRadialGradient>
+#include <QScreen>
 
 #include <algorithm>
 #include <cmath>
@@ -23,6 +24,10 @@ constexpr double outlineWidth = 1.5, outlineOpacity = 0.4, glowOpacity = 0.85;
 /// Around the capsule, for the shadow.
 constexpr double surround = 8;
 constexpr int fontSize = 20;
+/// From the panel to the sides of its display.
+constexpr double screenMargin = 12;
+/// What stands beside the name.
+constexpr double besideName = dotSize + spacing + 2 * (horizontalPadding + surround);
 
 QPainterPath capsulePath(const QRectF& rect) {
     QPainterPath path;
@@ -54,11 +59,21 @@ HUDWidget::HUDWidget(const HUDView& view)
 
 QSize HUDWidget::sizeHint() const {
     const QFontMetricsF metrics(face);
-    const double width = dotSize + spacing + metrics.horizontalAdvance(target);
+    const double ideal = metrics.horizontalAdvance(target) + besideName;
+    const double room = screen()->size().width() - 2 * screenMargin;
     const double height = std::max(dotSize, metrics.height());
-    return QSizeF(std::ceil(width + 2 * (horizontalPadding + surround)),
+    return QSizeF(std::ceil(std::min(ideal, room)),
                   std::ceil(height + 2 * (verticalPadding + surround)))
         .toSize();
+}
+
+/// What finds no room loses its middle: what tells dongles of one name apart is at the end.
+QString HUDWidget::shownTarget() const {
+    const QFontMetricsF metrics(face);
+    const double room = width() - besideName;
+    return metrics.horizontalAdvance(target) <= room
+               ? target
+               : metrics.elidedText(target, Qt::ElideMiddle, room);
 }
 
 QRectF HUDWidget::capsule() const {
@@ -83,7 +98,7 @@ void HUDWidget::paintEvent(QPaintEvent*) {
     painter.setFont(face);
     painter.setPen(palette().color(QPalette::WindowText));
     painter.drawText(area.adjusted(horizontalPadding + dotSize + spacing, 0, 0, 0),
-                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, target);
+                     Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shownTarget());
 }
 
 void HUDWidget::paintTranslucent(QPainter& painter) const {

@@ -15,6 +15,7 @@ public:
     /// For a desktop on which windows can't be translucent: nothing outside the capsule is drawn,
     /// and nothing is seen through it.
     void makeSolid() { solid = true; }
+    /// No wider than its display.
     QSize sizeHint() const override;
 
 protected:
@@ -23,6 +24,7 @@ protected:
 
 private:
     QRectF capsule() const;
+    QString shownTarget() const;
     void paintTranslucent(QPainter& painter) const;
     void paintSolid(QPainter& painter) const;
     void paintShadow(QPainter& painter) const;

@@ -40,7 +40,7 @@ void Label::cutLongText() {
 }
 
 QString Label::cutText() const {
-    return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+    return fontMetrics().elidedText(text(), Qt::ElideMiddle, contentsRect().width());
 }
 
 QSize Label::minimumSizeHint() const {

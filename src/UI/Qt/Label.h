@@ -19,7 +19,8 @@ public:
                    TextColor color = TextColor::primary, QWidget* parent = nullptr);
 
     void setColor(TextColor color);
-    /// For names, on one line: what finds no room is cut, and told when the pointer rests here.
+    /// For names, on one line: what finds no room loses its middle, for what tells dongles of one
+    /// name apart is at the end. All of it is told when the pointer rests here.
     void cutLongText();
     QSize minimumSizeHint() const override;
 

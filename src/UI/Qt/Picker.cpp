@@ -6,7 +6,9 @@
 #include "UI/Qt/Symbols.h"
 #include "UI/Qt/Typography.h"
 
+#include <QAbstractItemView>
 #include <QEvent>
+#include <QScreen>
 #include <QStandardItemModel>
 #include <QStylePainter>
 #include <QWheelEvent>
@@ -18,7 +20,8 @@ namespace quenthisar {
 
 namespace {
 
-constexpr int symbolSize = 10; // in points
+// In points.
+constexpr int symbolSize = 10, widestList = 420;
 
 } // namespace
 
@@ -84,6 +87,17 @@ void Picker::changeEvent(QEvent* event) {
     for (int index = 0; index < count(); ++index) fill(index);
 }
 
+/// The toolkit would make the list as wide as its longest name, up to the whole screen.
+void Picker::showPopup() {
+    QComboBox::showPopup();
+    auto* list = view()->window();
+    const int widest = std::max(widestList, width());
+    if (list->width() <= widest) return;
+    const auto room = screen()->availableGeometry();
+    const int left = std::min(mapToGlobal(QPoint()).x(), room.x() + room.width() - widest);
+    list->setGeometry(std::max(left, room.x()), list->y(), widest, list->height());
+}
+
 /// The style would cut a long name off.
 void Picker::paintEvent(QPaintEvent*) {
     QStylePainter painter(this);
@@ -93,7 +107,7 @@ void Picker::paintEvent(QPaintEvent*) {
         style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
     constexpr int symbolRoom = symbolSize + 8;
     option.currentText = option.fontMetrics.elidedText(
-        option.currentText, Qt::ElideRight,
+        option.currentText, Qt::ElideMiddle,
         field.width() - (option.currentIcon.isNull() ? 4 : symbolRoom));
     painter.drawComplexControl(QStyle::CC_ComboBox, option);
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);

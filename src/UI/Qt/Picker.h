@@ -23,6 +23,7 @@ public:
     void setMeaning(const QString& meaning);
     /// Shows `next`, and what `selection` says of it. An open list stays open.
     void show(Selection selection, std::vector<Offer> next);
+    void showPopup() override;
 
 protected:
     void changeEvent(QEvent* event) override;

@@ -22,6 +22,7 @@ QLayout* makeShortcut(const SettingsModel::Shortcut& shortcut, const QString& ex
     auto* meaning =
         new Label(QLatin1String(shortcut.meaning), TextRole::caption, TextColor::secondary);
     auto* row = new QHBoxLayout;
+    row->setContentsMargins(Switch::inset, 0, 0, 0); // in line with the notes
     row->setSpacing(8);
     for (auto* label : {keys, meaning}) {
         label->setToolTip(explanation);

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QStyleOption>
 
+#include <algorithm>
+
 namespace quenthisar {
 
 Style::Style() : QProxyStyle(QStringLiteral("Fusion")) {}
@@ -46,9 +48,40 @@ void Style::drawControl(ControlElement element, const QStyleOption* option, QPai
 void Style::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                QPainter* painter, const QWidget* widget) const {
     const auto* slider = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control == CC_ScrollBar && slider)
+        return drawScrollBar(*painter, *slider,
+                             subControlRect(control, slider, SC_ScrollBarSlider, widget));
     if (control != CC_Slider || !slider || slider->orientation != Qt::Horizontal)
         return QProxyStyle::drawComplexControl(control, option, painter, widget);
     drawSlider(*painter, *slider, subControlRect(CC_Slider, slider, SC_SliderHandle, widget));
+}
+
+/// A scroll bar without arrows.
+QRect Style::subControlRect(ComplexControl control, const QStyleOptionComplex* option,
+                            SubControl part, const QWidget* widget) const {
+    const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
+    if (control != CC_ScrollBar || !bar)
+        return QProxyStyle::subControlRect(control, option, part, widget);
+    constexpr int shortest = 28;
+    const bool isFlat = bar->orientation == Qt::Horizontal;
+    const int length = isFlat ? bar->rect.width() : bar->rect.height();
+    const qint64 range = qint64{bar->maximum} - bar->minimum;
+    const auto share = static_cast<int>(qint64{bar->pageStep} * length / (range + bar->pageStep));
+    const int handle = std::min(std::max(share, shortest), length);
+    const int start = sliderPositionFromValue(bar->minimum, bar->maximum, bar->sliderPosition,
+                                              length - handle, bar->upsideDown);
+    const auto stretch = [&](int from, int to) {
+        const auto place = isFlat ? QRect(from, 0, to - from, bar->rect.height())
+                                  : QRect(0, from, bar->rect.width(), to - from);
+        return visualRect(bar->direction, bar->rect, place.translated(bar->rect.topLeft()));
+    };
+    switch (part) {
+    case SC_ScrollBarSubPage: return stretch(0, start);
+    case SC_ScrollBarSlider: return stretch(start, start + handle);
+    case SC_ScrollBarAddPage: return stretch(start + handle, length);
+    case SC_ScrollBarGroove: return bar->rect;
+    default: return {};
+    }
 }
 
 int Style::pixelMetric(PixelMetric metric, const QStyleOption* option,
@@ -61,6 +94,7 @@ int Style::pixelMetric(PixelMetric metric, const QStyleOption* option,
     case PM_SliderThickness:
     case PM_SliderControlThickness:
     case PM_SliderLength: return sliderHandleSize;
+    case PM_ScrollBarExtent: return scrollBarWidth;
     default: return QProxyStyle::pixelMetric(metric, option, widget);
     }
 }

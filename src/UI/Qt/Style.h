@@ -5,7 +5,8 @@
 
 namespace quenthisar {
 
-/// How buttons, fields, sliders, pickers and tabs look, in the colours of the desktop's palette.
+/// How buttons, fields, sliders, pickers, tabs and scroll bars look, in the colours of the
+/// desktop's palette.
 ///
 /// It also keeps two colours of ours in the palette, so that what uses them follows the desktop:
 /// `PlaceholderText` is the secondary one, `Link` the accent.
@@ -22,6 +23,8 @@ public:
                      const QWidget* widget) const override;
     void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                             QPainter* painter, const QWidget* widget) const override;
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override;
     int pixelMetric(PixelMetric metric, const QStyleOption* option,
                     const QWidget* widget) const override;
     QSize sizeFromContents(ContentsType type, const QStyleOption* option, const QSize& contents,

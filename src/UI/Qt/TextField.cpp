@@ -4,18 +4,19 @@
 #include "UI/Qt/Typography.h"
 
 #include <QFocusEvent>
+#include <QStyleOptionFrame>
 
 #include <utility>
 
 namespace quenthisar {
 
-TextField::TextField(Binding<std::string> text, const QString& placeholder,
+TextField::TextField(Binding<std::string> text, const QString& placeholderText,
                      const QString& accessibleName, QWidget* parent)
     : QLineEdit(parent), binding(std::move(text)) {
     constexpr int horizontalPadding = 4;
     setFont(quenthisar::font(TextRole::body));
     setTextMargins(horizontalPadding, 0, horizontalPadding, 0);
-    setPlaceholderText(placeholder);
+    setPlaceholder(placeholderText);
     setAccessibleName(accessibleName);
     // Also what is set through accessibility, dropped or undone.
     connect(this, &QLineEdit::textChanged, this, &TextField::write);
@@ -47,6 +48,26 @@ void TextField::show(const std::string& stored) {
     setText(next);
     if (!hasFocus()) setCursorPosition(0); // the beginning of a long one is seen
     isShowing = false;
+}
+
+void TextField::setPlaceholder(const QString& text) {
+    placeholder = text;
+    cutPlaceholder();
+}
+
+void TextField::cutPlaceholder() {
+    constexpr int cursorRoom = 4; // the toolkit's, around the text
+    QStyleOptionFrame option;
+    initStyleOption(&option);
+    const auto room =
+        style()->subElementRect(QStyle::SE_LineEditContents, &option, this) - textMargins();
+    setPlaceholderText(
+        fontMetrics().elidedText(placeholder, Qt::ElideMiddle, room.width() - cursorRoom));
+}
+
+void TextField::resizeEvent(QResizeEvent* event) {
+    QLineEdit::resizeEvent(event);
+    cutPlaceholder();
 }
 
 void TextField::reload() {
