@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "demo/XorgServer.h"
 #include "e2e/StageFixture.h"
-#include "linux/XorgServer.h"
 
 namespace quenthisar::e2e {
 
@@ -26,8 +26,7 @@ void PrintTo(const Change& change, std::ostream* out) {
 class DisplayFault : public StageFixture, public testing::WithParamInterface<Change> {
 protected:
     void SetUp() override {
-        // Without a desktop, Xorg's keyboards have other key codes than any keyboard of today.
-        run(QStringLiteral("setxkbmap"), QStringLiteral("-rules evdev us"));
+        demo::useKeymapOfDesktops(server);
         enter({.programs = {}, .hostDisplay = server.display()});
     }
 
@@ -56,7 +55,7 @@ protected:
     }
 
     const QTemporaryDir folder;
-    const demo::XServer server = test::startXorg(folder.path());
+    const demo::XServer server = demo::startXorg(folder.path());
 };
 
 TEST_P(DisplayFault, LeavesTheTakeoverAndTheWayBack) {
