@@ -11,100 +11,28 @@
 #include <QSaveFile>
 #include <QThread>
 
-#include <nlohmann/json.hpp>
-
 #include <algorithm>
-#include <cmath>
 #include <cstdio>
 #include <iterator>
-#include <type_traits>
 
 namespace quenthisar {
 
 namespace {
 
-using Json = nlohmann::json;
-
-constexpr const char* dataMember = "$data";
 constexpr auto ownerOnly = QFile::ReadOwner | QFile::WriteOwner;
 constexpr auto folderOwnerOnly = ownerOnly | QFile::ExeOwner;
 
-/// Settings have some kilobytes and three levels. What is far beyond was not written by us, and
-/// would make each start and each set long, or writing it overflow the stack.
-constexpr qint64 sizeLimit = 4'000'000;
-constexpr int depthLimit = 100;
-
 /// None where it is no settings.
-std::optional<Json> readFile(const QString& path) {
+std::optional<JsonSettings> readFile(const QString& path) {
     // Only a file: opening a pipe would wait for somebody to write.
     const QFileInfo information(path);
     QFile file(path);
-    if (!information.isFile() || information.size() > sizeLimit || !file.open(QIODevice::ReadOnly))
+    if (!information.isFile() || information.size() > JsonSettings::sizeLimit ||
+        !file.open(QIODevice::ReadOnly))
         return std::nullopt;
     const QByteArray bytes = file.readAll();
     if (file.error() != QFile::NoError) return std::nullopt;
-    bool isTooDeep = false;
-    const auto watchDepth = [&isTooDeep](int depth, Json::parse_event_t, const Json&) {
-        isTooDeep = isTooDeep || depth > depthLimit;
-        return !isTooDeep;
-    };
-    auto json = Json::parse(bytes.begin(), bytes.end(), watchDepth, false);
-    if (isTooDeep || !json.is_object()) return std::nullopt;
-    return json;
-}
-
-std::optional<DefaultsData> readData(const Json& json) {
-    if (!json.is_object() || json.size() != 1) return std::nullopt;
-    const auto it = json.find(dataMember);
-    if (it == json.end() || !it->is_string()) return std::nullopt;
-    const auto result = QByteArray::fromBase64Encoding(
-        QByteArray::fromStdString(it->get<std::string>()), QByteArray::AbortOnBase64DecodingErrors);
-    if (!result) return std::nullopt;
-    return DefaultsData(result.decoded.begin(), result.decoded.end());
-}
-
-/// A value that is no dictionary. What no setting has becomes `std::monostate`.
-DefaultsValue readSimple(const Json& json) {
-    if (json.is_boolean()) return {json.get<bool>()};
-    if (json.is_number()) return {json.get<double>()};
-    if (json.is_string()) return {json.get<std::string>()};
-    if (auto data = readData(json)) return {std::move(*data)};
-    return {};
-}
-
-DefaultsValue readValue(const Json& json) {
-    if (!json.is_object() || json.contains(dataMember)) return readSimple(json);
-    DefaultsDictionary dictionary;
-    for (const auto& [key, value] : json.items()) dictionary.emplace(key, readSimple(value));
-    return {std::move(dictionary)};
-}
-
-bool isRepresentable(const DefaultsValue& value) {
-    const auto* number = std::get_if<double>(&value.value);
-    return !number || std::isfinite(*number);
-}
-
-Json written(const DefaultsValue& value) {
-    return std::visit(
-        [](const auto& alternative) -> Json {
-            using Alternative = std::decay_t<decltype(alternative)>;
-            if constexpr (std::is_same_v<Alternative, std::monostate>) {
-                return nullptr;
-            } else if constexpr (std::is_same_v<Alternative, DefaultsData>) {
-                const QByteArray bytes(reinterpret_cast<const char*>(alternative.data()),
-                                       static_cast<qsizetype>(alternative.size()));
-                return {{dataMember, bytes.toBase64().toStdString()}};
-            } else if constexpr (std::is_same_v<Alternative, DefaultsDictionary>) {
-                Json dictionary = Json::object();
-                // What JSON has no number for would spoil the whole dictionary when it is read.
-                for (const auto& [key, entry] : alternative)
-                    if (isRepresentable(entry)) dictionary[key] = written(entry);
-                return dictionary;
-            } else {
-                return alternative;
-            }
-        },
-        value.value);
+    return JsonSettings::parse(bytes);
 }
 
 constexpr qint64 burstInterval = 100; // milliseconds
@@ -116,7 +44,7 @@ QString JsonFileDefaults::standardPath() {
 }
 
 JsonFileDefaults::JsonFileDefaults(QString file, SystemLog& systemLog)
-    : path(std::move(file)), log(systemLog), root(std::make_unique<Json>(Json::object())) {
+    : path(std::move(file)), log(systemLog) {
     load();
     nextWrite.setSingleShot(true);
     nextWrite.setTimerType(Qt::PreciseTimer);
@@ -136,8 +64,8 @@ void JsonFileDefaults::load() {
     // Whoever can write it has commands run: the hooks.
     QFile::setPermissions(QFileInfo(path).path(), folderOwnerOnly);
     QFile::setPermissions(path, ownerOnly);
-    if (auto json = readFile(path))
-        *root = std::move(*json);
+    if (auto read = readFile(path))
+        settings = std::move(*read);
     else
         moveAside();
 }
@@ -153,17 +81,13 @@ void JsonFileDefaults::moveAside() {
 }
 
 std::optional<DefaultsValue> JsonFileDefaults::object(std::string_view key) const {
-    const auto it = root->find(std::string{key});
-    if (it == root->end() || it->is_null()) return std::nullopt;
-    return readValue(*it);
+    return settings.object(key);
 }
 
 void JsonFileDefaults::set(std::string_view key, DefaultsValue value) {
-    auto& place = (*root)[std::string{key}];
-    auto next = written(value);
+    const bool isNew = settings.set(key, value);
     // What could not be written is tried again.
-    if (place == next && isWritten) return;
-    std::swap(place, next);
+    if (!isNew && isWritten) return;
     isWritten = false;
     // Before the loop runs and after it, nothing would write later.
     const bool isBurst = QThread::currentThread()->loopLevel() > 0 && key == lastKey &&
@@ -195,8 +119,7 @@ bool JsonFileDefaults::write() {
     // Some file systems have no permissions; the settings are stored there all the same.
     QFile::setPermissions(folder, folderOwnerOnly);
     file.setPermissions(ownerOnly);
-    // Text that is no UTF-8 is stored with replacement characters rather than not at all.
-    const std::string text = root->dump(4, ' ', false, Json::error_handler_t::replace) + '\n';
+    const std::string text = settings.text();
     // A disk that is nearly full takes a part, and `commit` calls that no error.
     return file.write(text.data(), std::ssize(text)) == std::ssize(text) && file.flush() &&
            file.commit();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Linux/JsonSettings.h"
 #include "Platform/SystemLog.h"
 #include "Platform/UserDefaults.h"
 
@@ -8,15 +9,12 @@
 #include <QString>
 #include <QTimer>
 
-#include <nlohmann/json_fwd.hpp>
-
-#include <memory>
 #include <string>
 
 namespace quenthisar {
 
 /// The settings as one JSON file, read once and replaced as a whole by each set that changes
-/// something. Byte data stands in it as {"$data": "<base64>"}; keys that are not ours stay.
+/// something.
 ///
 /// A file that does not parse, is no object or far too large, and what is no file, is moved aside
 /// before anything is written. A file that cannot be written costs nothing but the storing. Each is
@@ -46,8 +44,8 @@ private:
 
     QString path;
     SystemLog& log;
-    std::unique_ptr<nlohmann::json> root; // always an object
-    bool mayReplace = true;               // false while a file that we could not read is in the way
+    JsonSettings settings;
+    bool mayReplace = true; // false while a file that we could not read is in the way
     bool isWritten = true;
     bool writeFailureLogged = false;
 

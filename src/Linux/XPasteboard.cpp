@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/XPasteboard.h"
 
+#include "Linux/PastedText.h"
+
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMimeData>
@@ -17,32 +19,10 @@ namespace quenthisar {
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using Progress = PastedText::Progress;
 
 constexpr std::chrono::milliseconds timeLimit{500};
 constexpr std::size_t longestText = std::size_t{16} << 20;
-
-std::string utf8FromLatin1(std::string_view text) {
-    std::string result;
-    result.reserve(text.size());
-    for (const char character : text) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code < 0x80) {
-            result += character;
-        } else {
-            result += static_cast<char>(0xC0 | code >> 6);
-            result += static_cast<char>(0x80 | (code & 0x3F));
-        }
-    }
-    return result;
-}
-
-/// What a property held.
-struct Piece {
-    xcb_atom_t type = XCB_ATOM_NONE;
-    std::uint8_t format = 0; // bits
-    std::string bytes;
-    bool isAll = true; // no more than was asked for
-};
 
 /// A connection whose server is waited for until a deadline, and no longer.
 class Patience {
@@ -105,21 +85,14 @@ public:
         xcb_convert_selection(connection.get(), window, atoms.clipboard, target, atoms.property,
                               XCB_CURRENT_TIME);
         if (!isAnswered(target)) return std::nullopt;
-        auto piece = take(longestText);
-        if (!piece) return std::nullopt;
-        if (piece->type == atoms.incr) piece = collect();
-        if (!piece || !isText(*piece)) return std::nullopt;
-        if (piece->type == XCB_ATOM_STRING) piece->bytes = utf8FromLatin1(piece->bytes);
-        if (piece->bytes.size() > longestText) piece->bytes.resize(longestText);
-        return std::move(piece->bytes);
+        PastedText text(longestText);
+        auto progress = take(text);
+        while (progress == Progress::more && nextIsThere()) progress = take(text);
+        if (progress != Progress::complete) return std::nullopt;
+        return std::move(text).text();
     }
 
 private:
-    bool isText(const Piece& piece) const {
-        const std::array types{atoms.utf8String, atoms.utf8Plain, xcb_atom_t{XCB_ATOM_STRING}};
-        return piece.format == 8 && std::ranges::count(types, piece.type) > 0;
-    }
-
     bool isAnswered(xcb_atom_t target) {
         while (const auto event = next(XCB_SELECTION_NOTIFY)) {
             const auto& answer = reinterpret_cast<const xcb_selection_notify_event_t&>(*event);
@@ -130,43 +103,39 @@ private:
         return false;
     }
 
-    /// The pieces, each of which is put when the one before has been taken, up to an empty one.
-    std::optional<Piece> collect() {
-        std::optional<Piece> whole;
+    /// Waits until the owner has put the next piece; false when it is too late.
+    bool nextIsThere() {
         while (const auto event = next(XCB_PROPERTY_NOTIFY)) {
             const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(*event);
-            if (change.window != window || change.atom != atoms.property ||
-                change.state != XCB_PROPERTY_NEW_VALUE)
-                continue;
-            auto piece = take(longestText - (whole ? whole->bytes.size() : 0));
-            if (!piece) return std::nullopt;
-            // Told of twice, or of what was there before the first.
-            if (piece->type == XCB_ATOM_NONE) continue;
-            if (piece->bytes.empty()) return whole ? whole : piece;
-            if (!isText(*piece) || (whole && whole->type != piece->type)) return std::nullopt;
-            const bool isFull = !piece->isAll;
-            if (whole)
-                whole->bytes += piece->bytes;
-            else
-                whole = std::move(piece);
-            if (isFull || whole->bytes.size() >= longestText) return whole;
+            if (change.window == window && change.atom == atoms.property &&
+                change.state == XCB_PROPERTY_NEW_VALUE)
+                return true;
         }
-        return std::nullopt;
+        return false;
     }
 
-    /// The property, at most about so many bytes of it. When that is all, it is deleted, which has
-    /// the owner put the next piece. None if it is too late.
-    std::optional<Piece> take(std::size_t limit) {
-        const auto words = static_cast<std::uint32_t>((limit + 3) / 4);
+    /// Hands on the property, at most about as much of it as `text` has room for. When that is all,
+    /// it is deleted, which has the owner put the next piece.
+    Progress take(PastedText& text) {
+        const auto words = static_cast<std::uint32_t>((text.room() + 3) / 4);
         const auto cookie = xcb_get_property(connection.get(), true, window, atoms.property,
                                              XCB_GET_PROPERTY_TYPE_ANY, 0, words);
         const auto reply = patience.reply<xcb_get_property_reply_t>(cookie.sequence);
-        if (!reply) return std::nullopt;
-        return Piece{reply->type,
-                     reply->format,
-                     {static_cast<const char*>(xcb_get_property_value(reply.get())),
-                      static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))},
-                     reply->bytes_after == 0};
+        if (!reply) return Progress::refused; // it is too late
+        return text.take(
+            {.type = typeOf(reply->type),
+             .format = reply->format,
+             .bytes = {static_cast<const char*>(xcb_get_property_value(reply.get())),
+                       static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))},
+             .isAll = reply->bytes_after == 0});
+    }
+
+    PastedText::Type typeOf(xcb_atom_t atom) const {
+        if (atom == XCB_ATOM_NONE) return PastedText::Type::none;
+        if (atom == atoms.incr) return PastedText::Type::pieces;
+        if (atom == XCB_ATOM_STRING) return PastedText::Type::latin1;
+        const bool isUtf8 = atom == atoms.utf8String || atom == atoms.utf8Plain;
+        return isUtf8 ? PastedText::Type::utf8 : PastedText::Type::other;
     }
 
     /// The next event of a kind; null when it is too late. All others are of no interest.
