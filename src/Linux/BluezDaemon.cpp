@@ -28,7 +28,7 @@ Value argument(const QDBusMessage& message, qsizetype index) {
 } // namespace
 
 BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& follower)
-    : connection(std::move(bus)), follower(follower) {
+    : connection(std::move(bus)), follower(follower), picture(follower) {
     if (!connection.isConnected()) {
         currentPresence = Presence::absent;
         return;
@@ -128,8 +128,7 @@ void BluezDaemon::follow(const QString& nextOwner) {
 void BluezDaemon::forget(Presence next) {
     owner.clear();
     currentPresence = next;
-    adapterPicture.clear();
-    devicePicture.clear();
+    picture.clear();
     follower.presenceChanged();
 }
 
@@ -143,59 +142,34 @@ void BluezDaemon::read() {
             return;
         }
         // Signals before this answer are part of it.
-        for (auto object = objects.begin(); object != objects.end(); ++object)
-            add(object.key().path(), object.value());
+        picture.read(objects);
         currentPresence = Presence::present;
         follower.presenceChanged();
     });
-}
-
-void BluezDaemon::add(const QString& path, const BluezInterfaces& interfaces) {
-    if (const auto it = interfaces.find(Bluez::adapter); it != interfaces.end())
-        adapterPicture[path] = it.value();
-    if (const auto it = interfaces.find(Bluez::device); it != interfaces.end())
-        devicePicture[path] = it.value();
 }
 
 void BluezDaemon::interfacesAdded(const QDBusMessage& signal) {
     if (currentPresence != Presence::present || !isFromDaemon(signal) ||
         signal.signature() != "oa{sa{sv}}"_L1)
         return;
-    const auto path = argument<QDBusObjectPath>(signal, 0).path();
-    const auto interfaces = argument<BluezInterfaces>(signal, 1);
-    add(path, interfaces);
-    if (interfaces.contains(Bluez::adapter)) follower.adaptersChanged();
-    if (interfaces.contains(Bluez::device)) follower.deviceAppeared(path);
+    picture.added(argument<QDBusObjectPath>(signal, 0).path(),
+                  argument<BluezInterfaces>(signal, 1));
 }
 
 void BluezDaemon::interfacesRemoved(const QDBusMessage& signal) {
     if (currentPresence != Presence::present || !isFromDaemon(signal) ||
         signal.signature() != "oas"_L1)
         return;
-    const auto path = argument<QDBusObjectPath>(signal, 0).path();
-    const auto interfaces = signal.arguments().at(1).toStringList();
-    if (interfaces.contains(Bluez::device) && devicePicture.remove(path) > 0)
-        follower.deviceVanished(path);
-    if (interfaces.contains(Bluez::adapter) && adapterPicture.remove(path) > 0)
-        follower.adaptersChanged();
+    picture.removed(argument<QDBusObjectPath>(signal, 0).path(),
+                    signal.arguments().at(1).toStringList());
 }
 
 void BluezDaemon::propertiesChanged(const QDBusMessage& signal) {
     if (currentPresence != Presence::present || !isFromDaemon(signal) ||
         signal.signature() != "sa{sv}as"_L1)
         return;
-    const bool isDevice = signal.arguments().at(0).toString() == Bluez::device;
-    auto& picture = isDevice ? devicePicture : adapterPicture;
-    const auto object = picture.find(signal.path());
-    if (object == picture.end()) return;
-
-    const auto changed = argument<QVariantMap>(signal, 1);
-    object->insert(changed);
-    for (const auto& name : signal.arguments().at(2).toStringList()) object->remove(name);
-    if (isDevice)
-        follower.deviceChanged(signal.path(), changed);
-    else
-        follower.adaptersChanged();
+    picture.changed(signal.path(), signal.arguments().at(0).toString(),
+                    argument<QVariantMap>(signal, 1), signal.arguments().at(2).toStringList());
 }
 
 } // namespace quenthisar

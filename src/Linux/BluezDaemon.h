@@ -1,43 +1,17 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "Linux/BluezPicture.h"
 #include "Linux/QtMainQueue.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QDBusObjectPath>
-#include <QMap>
 #include <QObject>
-#include <QVariantMap>
+#include <QVariantList>
 
 #include <functional>
 
 namespace quenthisar {
-
-/// Interface name to its properties.
-using BluezInterfaces = QMap<QString, QVariantMap>;
-using BluezObjects = QMap<QDBusObjectPath, BluezInterfaces>;
-
-namespace Bluez {
-inline constexpr QLatin1String service{"org.bluez"};
-inline constexpr QLatin1String adapter{"org.bluez.Adapter1"};
-inline constexpr QLatin1String device{"org.bluez.Device1"};
-inline constexpr QLatin1String gattService{"org.bluez.GattService1"};
-inline constexpr QLatin1String gattCharacteristic{"org.bluez.GattCharacteristic1"};
-} // namespace Bluez
-
-/// What follows the daemon's objects. Main thread.
-class BluezFollower {
-public:
-    virtual void presenceChanged() = 0;
-    virtual void adaptersChanged() = 0;
-    virtual void deviceAppeared(const QString& path) = 0;
-    virtual void deviceChanged(const QString& path, const QVariantMap& changed) = 0;
-    virtual void deviceVanished(const QString& path) = 0;
-
-protected:
-    ~BluezFollower() = default;
-};
 
 /// The Bluetooth daemon as seen over the bus: whether it is there, and one picture of its adapters
 /// and devices. Never waits for an answer. Main thread.
@@ -61,8 +35,8 @@ public:
 
     Presence presence() const { return currentPresence; }
     /// By object path; empty unless the daemon is present.
-    const QMap<QString, QVariantMap>& adapters() const { return adapterPicture; }
-    const QMap<QString, QVariantMap>& devices() const { return devicePicture; }
+    const QMap<QString, QVariantMap>& adapters() const { return picture.adapters(); }
+    const QMap<QString, QVariantMap>& devices() const { return picture.devices(); }
 
     /// Calls the daemon; `answer` gets its reply or error, later, as long as this object lives.
     void call(const QString& path, const QString& interface, const QString& method,
@@ -86,7 +60,6 @@ private:
     void forget(Presence next);
     void deny(const QString& denier);
     void read();
-    void add(const QString& path, const BluezInterfaces& interfaces);
     void asyncCall(const QDBusMessage& message, Limit limit, Answer answer);
 
     QDBusConnection connection;
@@ -94,7 +67,7 @@ private:
     Presence currentPresence = Presence::unknown;
     QString owner; // the daemon's unique name
     int denials = 0;
-    QMap<QString, QVariantMap> adapterPicture, devicePicture;
+    BluezPicture picture;
     QtMainQueue ownQueue; // last, so that it goes first
 };
 
