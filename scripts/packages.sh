@@ -19,11 +19,13 @@ stage_packages=(dbus-daemon xserver-xephyr xvfb xkb-data)
 xorg_packages=(x11-xkb-utils xserver-xorg-core xserver-xorg-dev xserver-xorg-video-dummy)
 # To measure the core by itself, and to draw what was measured.
 benchmark_packages=(libbenchmark-dev python3-minimal)
+# To feed it with what nobody expects.
+fuzz_packages=(clang libclang-rt-14-dev)
 # To make a package of it, and to check that.
 package_packages=(appstream desktop-file-utils dpkg-dev lintian)
 # To test it.
 test_packages=(
-    "${xorg_packages[@]}" "${benchmark_packages[@]}"
+    "${xorg_packages[@]}" "${benchmark_packages[@]}" "${fuzz_packages[@]}"
     at-spi2-core clang-format clang-tidy libgtest-dev libxcb-shape0-dev openbox picom
     x11-xserver-utils xinput
 )
