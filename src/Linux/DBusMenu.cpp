@@ -98,9 +98,10 @@ DBusMenuLayout DBusMenu::layoutOf(int id, const QVariantMap& properties, int dep
                                   const QStringList& names) const {
     DBusMenuLayout layout{id, chosen(properties, names), {}};
     if (depth == 0) return layout;
+    const int below = depth > 0 ? depth - 1 : depth; // a negative one stands for all
     for (const auto& entry : entries)
         if (entry.parent == id)
-            layout.children.append(layoutOf(entry.id, entry.properties, depth - 1, names));
+            layout.children.append(layoutOf(entry.id, entry.properties, below, names));
     return layout;
 }
 
