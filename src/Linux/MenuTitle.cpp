@@ -12,13 +12,15 @@ namespace {
 // In UTF-16 code units.
 constexpr qsizetype longest = 60, head = 42, tail = 16;
 
-/// Where the character that `at` is in begins; `at` itself if that is too far away.
+/// Where the character that `at` is in begins; the scalar value that `at` is in if that is too far
+/// away.
 qsizetype boundary(const QString& text, qsizetype at, qsizetype atLeast) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     finder.setPosition(at);
     if (finder.isAtBoundary()) return at;
     const auto found = finder.toPreviousBoundary();
-    return found > atLeast ? found : at;
+    if (found > atLeast) return found;
+    return text[at].isLowSurrogate() ? at - 1 : at;
 }
 
 } // namespace
