@@ -5,6 +5,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <type_traits>
 #include <utility>
@@ -20,6 +21,25 @@ constexpr const char* dataMember = "$data";
 /// Settings have some kilobytes and three levels. What is far beyond was not written by us, and
 /// would make each start and each set long, or writing it overflow the stack.
 constexpr int depthLimit = 100;
+
+/// How deep brackets are nested in JSON; in what is none, any number.
+int depthOf(QByteArrayView json) {
+    int depth = 0, deepest = 0;
+    bool inText = false, isEscaped = false;
+    for (const char c : json) {
+        if (inText) {
+            if (c == '"' && !isEscaped) inText = false;
+            isEscaped = c == '\\' && !isEscaped;
+        } else if (c == '"') {
+            inText = true;
+        } else if (c == '[' || c == '{') {
+            deepest = std::max(deepest, ++depth);
+        } else if (c == ']' || c == '}') {
+            --depth;
+        }
+    }
+    return deepest;
+}
 
 std::optional<DefaultsData> readData(const Json& json) {
     if (!json.is_object() || json.size() != 1) return std::nullopt;
@@ -85,13 +105,11 @@ JsonSettings& JsonSettings::operator=(JsonSettings&& other) noexcept = default;
 
 std::optional<JsonSettings> JsonSettings::parse(QByteArrayView bytes) {
     if (bytes.size() > sizeLimit) return std::nullopt;
-    bool isTooDeep = false;
-    const auto watchDepth = [&isTooDeep](int depth, Json::parse_event_t, const Json&) {
-        isTooDeep = isTooDeep || depth > depthLimit;
-        return !isTooDeep;
-    };
-    auto json = Json::parse(bytes.begin(), bytes.end(), watchDepth, false);
-    if (isTooDeep || !json.is_object()) return std::nullopt;
+    // Not by a callback of the parser: with one it goes through an object at the end of each
+    // member.
+    if (depthOf(bytes) > depthLimit) return std::nullopt;
+    auto json = Json::parse(bytes.begin(), bytes.end(), nullptr, false);
+    if (!json.is_object()) return std::nullopt;
     JsonSettings settings;
     *settings.root = std::move(json);
     return settings;

@@ -15,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <ctime>
 #include <functional>
 #include <optional>
 #include <pwd.h>
@@ -166,6 +167,16 @@ TEST(JsonFileDefaults, NothingThatStandsInTheWayStopsTheStart) {
             2)
             << obstacle.name << " is kept, beside the new file";
     }
+}
+
+TEST(JsonFileDefaults, ReadsALongFileAtOnce) {
+    QByteArray text = "{\"flag\":true";
+    for (int i = 0; i < 100'000; ++i) text += ",\"" + QByteArray::number(i) + "\":{\"a\":1}";
+    Fixture f;
+    f.write(text + "}");
+    const auto begin = std::clock();
+    EXPECT_EQ(f.open().object("flag"), (DefaultsValue{true}));
+    EXPECT_LT(std::clock() - begin, 3 * CLOCKS_PER_SEC);
 }
 
 TEST(JsonFileDefaults, ABurstOfOneKeyIsWrittenAtOnceAndThenNowAndAgain) {
