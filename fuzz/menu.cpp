@@ -24,6 +24,9 @@ namespace {
 using namespace Qt::StringLiterals;
 using fuzz::require;
 
+/// Of dongles, and of profiles: each one takes two bytes of the input, and much more to be shown.
+constexpr std::size_t most = 16;
+
 void checkTitle(const std::string& name) {
     const auto title = menuTitle(name);
     require(title.size() <= 75, "a title too long");
@@ -148,7 +151,7 @@ void fuzz::run(Bytes input) {
         case 0: {
             const auto name = reader.text();
             checkTitle(name);
-            if (dongles == 255) break;
+            if (dongles == most) break;
             const Uuid id{{++dongles}};
             state.dongles.modify([&](auto& list) {
                 list.push_back({id, name, DongleConnectionState::connected});
@@ -157,7 +160,9 @@ void fuzz::run(Bytes input) {
             break;
         }
         case 1: state.setNickname(reader.text(), Uuid{{dongles}}); break;
-        case 2: state.addProfile(reader.text()); break;
+        case 2:
+            if (state.profiles->size() < most) state.addProfile(reader.text());
+            break;
         case 3: host.ask(); break;
         case 4: runQueued(); break;
         default: break;

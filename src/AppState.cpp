@@ -48,9 +48,13 @@ bool hasProfile(const std::vector<Profile>& profiles, const Uuid& id) {
     return std::ranges::find(profiles, id, &Profile::id) != profiles.end();
 }
 
-void removeAll(std::string& text, std::string_view part) {
-    for (auto at = text.find(part); at != std::string::npos; at = text.find(part, at))
-        text.erase(at, part.size());
+std::string without(std::string_view part, std::string_view text) {
+    std::string result;
+    for (auto at = text.find(part); at != std::string_view::npos; at = text.find(part)) {
+        result += text.substr(0, at);
+        text.remove_prefix(at + part.size());
+    }
+    return result.append(text);
 }
 
 } // namespace
@@ -206,9 +210,8 @@ std::string AppState::displayName(const Uuid& id) const {
 
 std::string AppState::defaultName(const Uuid& id) const {
     const Dongle* known = dongle(id);
-    std::string name = known ? known->name : "Zandrovelkin";
-    removeAll(name, " BLE");
-    return name + " (" + id.text().substr(32) + ")";
+    const std::string_view name = known ? std::string_view{known->name} : "Zandrovelkin";
+    return without(" BLE", name) + " (" + id.text().substr(32) + ")";
 }
 
 std::optional<Uuid> AppState::activeDongleID() const {
