@@ -98,12 +98,15 @@ TEST_F(ConfigWindowTest, LongContentScrolls) {
     bar.setValue(0);
     QTest::mouseClick(&bar, Qt::LeftButton, {}, bar.rect().center());
     EXPECT_EQ(bar.value(), bar.pageStep());
+    const auto drag = [&bar](int from, int to) {
+        QTest::mousePress(&bar, Qt::LeftButton, {}, {bar.width() / 2, from});
+        QTest::mouseMove(&bar, {bar.width() / 2, to});
+        QTest::mouseRelease(&bar, Qt::LeftButton, {}, {bar.width() / 2, to});
+        return bar.value();
+    };
     bar.setValue(0);
-    const QPoint held(bar.width() / 2, 5);
-    QTest::mousePress(&bar, Qt::LeftButton, {}, held);
-    QTest::mouseMove(&bar, held + QPoint(0, bar.height()));
-    QTest::mouseRelease(&bar, Qt::LeftButton, {}, held + QPoint(0, bar.height()));
-    EXPECT_EQ(bar.value(), bar.maximum());
+    EXPECT_EQ(drag(5, bar.height() + 5), bar.maximum());
+    EXPECT_EQ(drag(bar.height() - 5, -5), 0);
 }
 
 TEST_F(ConfigWindowTest, ANewProfileIsSeen) {
