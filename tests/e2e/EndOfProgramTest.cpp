@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "demo/SelectionOwner.h"
+#include "e2e/ProfileSettings.h"
 #include "e2e/StageFixture.h"
+
+#include <QElapsedTimer>
 
 #include <csignal>
 
@@ -105,8 +108,14 @@ TEST_F(LossOfTheServer, EndsTheProgramAndReleasesTheTarget) {
         return stage->target.held() == demo::XClient::Held{.keys = {keyCode(u'k')}, .buttons = {3}};
     };
     ASSERT_TRUE(waitUntil(isHeld, soon));
+    const auto settings = readFile(stage->rig.settingsFile());
+    QElapsedTimer elapsed;
+    elapsed.start();
     stage->endHostServer();
-    EXPECT_TRUE(stage->rig.quenthisar().waitForEnd(atOnce));
+    const auto end = stage->rig.quenthisar().waitForEnd(atOnce);
+    EXPECT_LE(elapsed.elapsed(), (1000ms * sanitizerFactor).count());
+    EXPECT_EQ(end, 1) << "it ends by itself, not by a signal that leaves a core";
+    EXPECT_EQ(readFile(stage->rig.settingsFile()), settings);
     EXPECT_TRUE(nothingIsHeldOnTarget());
 }
 

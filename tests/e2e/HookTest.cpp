@@ -84,7 +84,10 @@ protected:
             const auto before = hooks().size();
             pressHotkey(isSecond ? u'1' : u'2');
             isSecond = !isSecond;
-            EXPECT_TRUE(waitUntil([&] { return hooks().size() > before; }, soon));
+            if (!waitUntil([&] { return hooks().size() > before; }, soon)) {
+                ADD_FAILURE() << "hook " << i << " is not started";
+                break;
+            }
         }
         EXPECT_TRUE(waitUntil([&] { return digits().size() == text.size(); }, soon));
         std::chrono::microseconds longest{};
