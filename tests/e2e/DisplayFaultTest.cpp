@@ -2,9 +2,13 @@
 #include "demo/XorgServer.h"
 #include "e2e/StageFixture.h"
 
+#include <QThread>
+
 namespace quenthisar::e2e {
 
 namespace {
+
+constexpr unsigned long quietTime = 250; // milliseconds
 
 /// Of a server as `startXorg` starts it.
 const QString bothDisplays = QStringLiteral("--output DUMMY0 --mode 1280x800 --pos 0x0 --primary "
@@ -38,6 +42,8 @@ protected:
 
     void changeDisplays(const QString& arguments) const {
         run(QStringLiteral("xrandr"), arguments);
+        // Displays change in several steps; the program looks after the last, and tells nobody.
+        QThread::msleep(4 * quietTime);
     }
 
     void run(const QString& program, const QString& arguments) const {
