@@ -37,15 +37,19 @@ Programs Programs::in(const QString& folder) {
             .desk = folder + QStringLiteral("/desk")};
 }
 
-Rig::Rig(Options given)
-    : options(std::move(given)),
-      dongleProgram(options.programs.dongle, dongleArguments(options),
-                    {{QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()}}) {
+Rig::Rig(Options given) : options(std::move(given)) {
     if (options.ownSession) sessionBus.emplace();
-    if (options.onDongleLine) dongleProgram.onLine(options.onDongleLine);
-    if (!dongleProgram.waitForLine(QStringLiteral("ready"), startLimit))
-        throw std::runtime_error("the virtual dongle does not start");
+    startDongle();
     if (options.hasSettings) writeSettings();
+}
+
+void Rig::startDongle() {
+    dongleProgram.emplace(options.programs.dongle, dongleArguments(options),
+                          ChildProcess::Environment{
+                              {QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()}});
+    if (options.onDongleLine) dongleProgram->onLine(options.onDongleLine);
+    if (!dongleProgram->waitForLine(QStringLiteral("ready"), startLimit))
+        throw std::runtime_error("the virtual dongle does not start");
 }
 
 QString Rig::dongleName() const {
@@ -105,13 +109,13 @@ void Rig::startProgram() {
     program.reset();
     const XClient host{options.hostDisplay};
     const auto focus = focusedWindow(host);
-    const auto mark = dongleProgram.mark();
+    const auto mark = dongleProgram->mark();
     program = startOnceMore();
     const auto isProbed = [](const QStringList& lines) {
         return std::ranges::any_of(reportLines(lines), &ReportLine::isProbe);
     };
     const auto isDecided = [&] {
-        return isProbed(dongleProgram.since(mark)) || !program->isRunning();
+        return isProbed(dongleProgram->since(mark)) || !program->isRunning();
     };
     if (!waitUntil(isDecided, startLimit))
         throw std::runtime_error("the program does not connect to the dongle");

@@ -56,7 +56,9 @@ public:
     /// Ends the program as a session manager does. Without effect if it doesn't run.
     void endProgram() { program.reset(); }
 
-    Recorder& dongle() { return dongleProgram; }
+    Recorder& dongle() { return *dongleProgram; }
+    /// Anew, after the loss of its bus. What it has told before is forgotten.
+    void startDongle();
     /// Only after `startProgram`.
     ChildProcess& quenthisar() { return *program; }
     QString configurationFolder() const { return folder.path(); }
@@ -71,6 +73,8 @@ public:
     QString systemBusAddress() const { return systemBus.address(); }
     /// Of the program's desktop. Only with a session of its own.
     QString sessionBusAddress() const { return sessionBus->address(); }
+    PrivateBus& systemBusProgram() { return systemBus; }
+    PrivateBus& sessionBusProgram() { return *sessionBus; }
 
 private:
     ChildProcess::Environment environment() const;
@@ -80,7 +84,7 @@ private:
     QTemporaryDir folder;
     PrivateBus systemBus;
     std::optional<PrivateBus> sessionBus;
-    Recorder dongleProgram;
+    std::optional<Recorder> dongleProgram;
     QString boundDisplay;
     std::unique_ptr<ChildProcess> program; // ends before all that it uses
 };

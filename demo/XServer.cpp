@@ -51,11 +51,15 @@ NestedXServer::NestedXServer(QSize size, const QString& title)
               {}, pathOf(errors)),
       displayName(u':' + firstLine(process, "Xephyr", errors)) {}
 
-PrivateBus::PrivateBus()
-    : process(QStringLiteral("dbus-daemon"),
-              {QStringLiteral("--session"), QStringLiteral("--nofork"),
-               QStringLiteral("--print-address")},
-              {}, pathOf(errors)),
-      busAddress(firstLine(process, "dbus-daemon", errors)) {}
+void PrivateBus::start() {
+    process.emplace(QStringLiteral("dbus-daemon"),
+                    QStringList{QStringLiteral("--session"), QStringLiteral("--nofork"),
+                                QStringLiteral("--print-address"),
+                                QStringLiteral("--address=unix:path=") +
+                                    folder.filePath(QStringLiteral("bus"))},
+                    ChildProcess::Environment{}, pathOf(errors));
+    // Without the identity of this one, which the next does not share.
+    busAddress = firstLine(*process, "dbus-daemon", errors).section(u',', 0, 0);
+}
 
 } // namespace quenthisar::demo

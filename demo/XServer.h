@@ -4,7 +4,10 @@
 #include "ChildProcess.h"
 
 #include <QSize>
+#include <QTemporaryDir>
 #include <QTemporaryFile>
+
+#include <optional>
 
 namespace quenthisar::demo {
 
@@ -49,15 +52,20 @@ private:
 /// A D-Bus bus of our own. It serves until destroyed.
 class PrivateBus {
 public:
-    /// Throws std::runtime_error if it does not start.
-    PrivateBus();
+    /// Throws std::runtime_error if it does not start, here and below.
+    PrivateBus() { start(); }
+
+    void end() { process.reset(); }
+    /// After its end, at the same address.
+    void start();
 
     /// What DBUS_SYSTEM_BUS_ADDRESS or DBUS_SESSION_BUS_ADDRESS must be for its clients.
     QString address() const { return busAddress; }
 
 private:
+    QTemporaryDir folder; // of its socket
     QTemporaryFile errors;
-    ChildProcess process;
+    std::optional<ChildProcess> process;
     QString busAddress;
 };
 

@@ -18,6 +18,14 @@ BluezAgent::~BluezAgent() {
     bus.unregisterObject(path);
 }
 
+void BluezAgent::serveOn(const QDBusConnection& next) {
+    if (next.name() == bus.name() && bus.isConnected() && bus.objectRegisteredAt(path) == this)
+        return;
+    bus.unregisterObject(path);
+    bus = next;
+    bus.registerObject(path, this, QDBusConnection::ExportAllSlots);
+}
+
 void BluezAgent::reject() {
     sendErrorReply(u"org.bluez.Error.Rejected"_s, u"not asked for"_s);
 }

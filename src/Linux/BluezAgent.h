@@ -25,6 +25,8 @@ public:
     /// Serves at `path` on `bus`. `isOurs` tells the daemon's calls from those of strangers.
     BluezAgent(QDBusConnection bus, const QString& path, IsOurs isOurs, MayPair mayPair);
     ~BluezAgent() override;
+    /// Goes on there; without effect where it serves already.
+    void serveOn(const QDBusConnection& next);
 
     Q_SLOT void Release() {}
     Q_SLOT void Cancel() {}

@@ -47,10 +47,19 @@ bool isOnTheAir(const QVariantMap& device) {
     return device.contains(u"RSSI"_s) || device.value(u"Connected"_s).toBool();
 }
 
+/// The toolkit's own stays lost.
+QDBusConnection systemBusAnew() {
+    const auto name = u"quenthisar-bluetooth"_s;
+    QDBusConnection::disconnectFromBus(name);
+    return QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
+}
+
 } // namespace
 
-BluezCentral::BluezCentral(QDBusConnection bus)
-    : daemon(std::move(bus), *this),
+BluezCentral::BluezCentral() : BluezCentral(QDBusConnection::systemBus(), systemBusAnew) {}
+
+BluezCentral::BluezCentral(QDBusConnection bus, BluezDaemon::Reopen reopen)
+    : daemon(std::move(bus), *this, std::move(reopen)),
       agent(
           daemon.bus(), agentPath,
           [this](const QDBusMessage& call) { return daemon.isFromDaemon(call); },
@@ -78,6 +87,7 @@ void BluezCentral::presenceChanged() {
 }
 
 void BluezCentral::registerAgent() {
+    agent.serveOn(daemon.bus());
     // Refused, pairing is the desktop's business alone.
     daemon.call(u"/org/bluez"_s, u"org.bluez.AgentManager1"_s, u"RegisterAgent"_s,
                 {QVariant::fromValue(QDBusObjectPath(agentPath)), u"NoInputNoOutput"_s},

@@ -25,8 +25,9 @@ namespace quenthisar {
 class BluezCentral final : public Central, private BluezFollower, private BluezLinkObserver {
 public:
     /// The system bus, which DBUS_SYSTEM_BUS_ADDRESS may name.
-    BluezCentral() : BluezCentral(QDBusConnection::systemBus()) {}
-    explicit BluezCentral(QDBusConnection bus);
+    BluezCentral();
+    /// One that does not come back when it is lost, unless there is a way to reopen it.
+    explicit BluezCentral(QDBusConnection bus, BluezDaemon::Reopen reopen = {});
 
     void setDelegate(CentralDelegate* next) override;
     CentralState state() const override { return currentState; }

@@ -17,7 +17,7 @@ constexpr QLatin1String busService{"org.freedesktop.DBus"};
 constexpr QLatin1String objectManager{"org.freedesktop.DBus.ObjectManager"};
 constexpr QLatin1String propertiesInterface{"org.freedesktop.DBus.Properties"};
 constexpr QLatin1String accessDenied{"org.freedesktop.DBus.Error.AccessDenied"};
-constexpr std::chrono::seconds readAgain{1};
+constexpr std::chrono::seconds readAgain{1}, reopenAgain{1};
 constexpr std::chrono::seconds askAgainWhenDenied{5};
 
 template <class Value>
@@ -27,12 +27,15 @@ Value argument(const QDBusMessage& message, qsizetype index) {
 
 } // namespace
 
-BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& follower)
-    : connection(std::move(bus)), follower(follower), picture(follower) {
-    if (!connection.isConnected()) {
+BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& follower, Reopen reopen)
+    : connection(std::move(bus)), follower(follower), reopen(std::move(reopen)), picture(follower) {
+    if (connection.isConnected())
+        listen();
+    else
         currentPresence = Presence::absent;
-        return;
-    }
+}
+
+void BluezDaemon::listen() {
     // No service name in the daemon's signals: Qt would wait for the bus to tell its owner. Their
     // sender is checked instead.
     connection.connect(busService, u"/org/freedesktop/DBus"_s, busService, u"NameOwnerChanged"_s,
@@ -51,10 +54,10 @@ BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& follower)
                                               u"GetNameOwner"_s);
     ask << QString(Bluez::service);
     asyncCall(ask, Limit::usual, [this](const QDBusMessage& reply) {
-        if (currentPresence != Presence::unknown) return; // a change of owner came first
+        if (!owner.isEmpty()) return; // a change of owner came first
         if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "s"_L1)
             follow(reply.arguments().at(0).toString());
-        else
+        else if (currentPresence == Presence::unknown)
             forget(Presence::absent);
     });
 }
@@ -116,6 +119,18 @@ void BluezDaemon::nameOwnerChanged(const QDBusMessage& signal) {
 
 void BluezDaemon::busLost() {
     forget(Presence::gone);
+    reopenLater();
+}
+
+void BluezDaemon::reopenLater() {
+    if (!reopen) return;
+    ownQueue.after(reopenAgain, [this] {
+        connection = reopen();
+        if (connection.isConnected())
+            listen();
+        else
+            reopenLater();
+    });
 }
 
 void BluezDaemon::follow(const QString& nextOwner) {

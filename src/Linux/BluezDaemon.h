@@ -31,7 +31,11 @@ public:
     enum class Limit { usual, none };
     using Answer = std::function<void(const QDBusMessage&)>;
 
-    BluezDaemon(QDBusConnection bus, BluezFollower& follower);
+    /// Connects to the bus anew.
+    using Reopen = std::function<QDBusConnection()>;
+
+    /// Without `reopen`, a bus that is lost does not come back.
+    BluezDaemon(QDBusConnection bus, BluezFollower& follower, Reopen reopen = {});
 
     Presence presence() const { return currentPresence; }
     /// By object path; empty unless the daemon is present.
@@ -56,6 +60,8 @@ private:
     Q_SLOT void propertiesChanged(const QDBusMessage& signal);
     Q_SLOT void busLost();
 
+    void listen();
+    void reopenLater();
     void follow(const QString& nextOwner);
     void forget(Presence next);
     void deny(const QString& denier);
@@ -64,6 +70,7 @@ private:
 
     QDBusConnection connection;
     BluezFollower& follower;
+    Reopen reopen;
     Presence currentPresence = Presence::unknown;
     QString owner; // the daemon's unique name
     int denials = 0;
