@@ -31,7 +31,7 @@ bool isText(const PastedText::Piece& piece) {
 } // namespace
 
 PastedText::Progress PastedText::take(Piece piece) {
-    if (inPieces) return takeNext(std::move(piece));
+    if (inPieces) return takeNext(piece);
     if (piece.type == Type::pieces) {
         inPieces = true;
         return Progress::more;
@@ -42,7 +42,7 @@ PastedText::Progress PastedText::take(Piece piece) {
     return Progress::complete;
 }
 
-PastedText::Progress PastedText::takeNext(Piece piece) {
+PastedText::Progress PastedText::takeNext(const Piece& piece) {
     // Told of twice, or of what was there before the first.
     if (piece.type == Type::none) return Progress::more;
     if (piece.bytes.empty()) {

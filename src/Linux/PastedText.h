@@ -36,7 +36,7 @@ public:
     std::string text() &&;
 
 private:
-    Progress takeNext(Piece piece);
+    Progress takeNext(const Piece& piece);
 
     std::size_t longest;
     Type type = Type::none; // of all pieces
