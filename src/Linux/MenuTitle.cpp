@@ -26,7 +26,7 @@ qsizetype boundary(const QString& text, qsizetype at, qsizetype atLeast) {
 } // namespace
 
 QString menuTitle(const std::string& title) {
-    const auto text = QString::fromStdString(Text::onOneLine(title));
+    auto text = QString::fromStdString(Text::onOneLine(title));
     if (text.size() <= longest) return text;
     const auto end = boundary(text, head, 0);
     const auto begin = boundary(text, text.size() - tail, text.size() - 2 * tail);
