@@ -176,7 +176,7 @@ TEST(JsonFileDefaults, ReadsALongFileAtOnce) {
     f.write(text + "}");
     const auto begin = std::clock();
     EXPECT_EQ(f.open().object("flag"), (DefaultsValue{true}));
-    EXPECT_LT(std::clock() - begin, 3 * CLOCKS_PER_SEC);
+    EXPECT_LT(std::clock() - begin, 10 * CLOCKS_PER_SEC);
 }
 
 TEST(JsonFileDefaults, ABurstOfOneKeyIsWrittenAtOnceAndThenNowAndAgain) {
