@@ -14,7 +14,6 @@ namespace quenthisar::bench {
 namespace {
 
 using namespace std::chrono_literals;
-using demo::XClient;
 using demo::XServer;
 
 constexpr auto startLimit = 20s;

@@ -95,7 +95,8 @@ void localMove(benchmark::State& state) {
     const double middle = host.edge - display.width / 2;
     const Counted counted{state};
     double step = 0;
-    for (auto _ : state) benchmark::DoNotOptimize(host.moveTo(middle + (step = 1 - step), 500));
+    while (state.KeepRunning())
+        benchmark::DoNotOptimize(host.moveTo(middle + (step = 1 - step), 500));
 }
 BENCHMARK(localMove)->Name("local move, off the edges, displays")->Arg(1)->Arg(6)->Arg(50);
 
@@ -105,7 +106,8 @@ void moveAtEdge(benchmark::State& state, Host& host) {
     host.clock.settle();
     const Counted counted{state};
     double step = 0;
-    for (auto _ : state) benchmark::DoNotOptimize(host.moveTo(host.edge, 500 + (step = 1 - step)));
+    while (state.KeepRunning())
+        benchmark::DoNotOptimize(host.moveTo(host.edge, 500 + (step = 1 - step)));
 }
 void localMoveAtEdge(benchmark::State& state) {
     Host host{state.range(0)};
@@ -124,7 +126,7 @@ BENCHMARK(localMoveAmongThousands)
 void forwarded(benchmark::State& state, Host& host, const std::function<void()>& event) {
     host.takeOver();
     const Counted counted{state};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         event();
         host.forget();
     }
@@ -166,7 +168,7 @@ void send(benchmark::State& state) {
     Host host;
     const auto payload = Report::mouse({.dx = 1});
     const Counted counted{state};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         host.manager.send(payload, A);
         host.forget();
     }
@@ -180,7 +182,7 @@ void assignment(benchmark::State& state) {
     f.connect({A, B});
     auto dongles = *f.state().dongles;
     const Counted counted{state};
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         std::swap(dongles.front(), dongles.back());
         f.state().dongles = dongles;
         f.clock.settle();
@@ -193,7 +195,7 @@ void loadProfiles(benchmark::State& state) {
     addThousands(host);
     const auto text = encodeProfiles(*host.state.profiles).value_or("");
     const Counted counted{state};
-    for (auto _ : state) benchmark::DoNotOptimize(decodeProfiles(text));
+    while (state.KeepRunning()) benchmark::DoNotOptimize(decodeProfiles(text));
 }
 BENCHMARK(loadProfiles)->Name("1,000 stored profiles read")->Unit(benchmark::kMillisecond);
 
@@ -202,7 +204,7 @@ void convertClipboard(benchmark::State& state, std::string_view piece) {
     std::string text;
     while (text.size() < size) text += piece;
     const Counted counted{state};
-    for (auto _ : state)
+    while (state.KeepRunning())
         benchmark::DoNotOptimize(
             KeycodeMap::asciiBytes(text, std::numeric_limits<std::size_t>::max()));
 }
