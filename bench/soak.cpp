@@ -10,8 +10,10 @@
 #include <QFile>
 #include <QTextStream>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <vector>
 
 namespace {
 
@@ -20,7 +22,7 @@ using namespace quenthisar::bench;
 
 /// What the allocator keeps of one more flood or one more window, KiB.
 constexpr long allowedGrowth = 1024;
-constexpr double warmUp = 60; // seconds
+constexpr double warmUp = 60, window = 60; // seconds
 
 struct Sample {
     double time = 0; // seconds since the first round began
@@ -45,6 +47,22 @@ bool writeTable(const QString& path, const std::vector<Sample>& samples) {
     return file.error() == QFile::NoError;
 }
 
+/// The most of each that is held from a time on, for a minute; all that there is where the samples
+/// end before that time. What one moment's sample holds is up to chance.
+Sample most(const std::vector<Sample>& samples, double from) {
+    const double start = std::clamp(from, 0.0, samples.back().time);
+    Sample result{.time = start};
+    for (const auto& [time, state] : samples) {
+        if (time < start || time > start + window) continue;
+        auto& sum = result.state;
+        sum.resident = std::max(sum.resident, state.resident);
+        sum.descriptors = std::max(sum.descriptors, state.descriptors);
+        sum.threads = std::max(sum.threads, state.threads);
+        sum.children = std::max(sum.children, state.children);
+    }
+    return result;
+}
+
 bool holdsNoMore(const ProcessState& early, const ProcessState& late) {
     return late.descriptors <= early.descriptors && late.threads <= early.threads &&
            late.children <= early.children && late.resident <= early.resident + allowedGrowth;
@@ -66,17 +84,16 @@ int run(const QCommandLineParser& parser) {
         samples.push_back({elapsed(), day.state()});
     } while (elapsed() < length);
 
-    const auto early =
-        std::ranges::find_if(samples, [](const Sample& sample) { return sample.time >= warmUp; });
-    const auto& first = early == samples.end() ? samples.front() : *early;
+    const auto first = most(samples, warmUp);
+    const auto last = most(samples, samples.back().time - window);
     print("after the first minute", first);
-    print("at the end", samples.back());
+    print("in the last minute", last);
     std::printf("%d rounds, %llu inputs\n", rounds, static_cast<unsigned long long>(day.inputs()));
     if (!table.isEmpty() && !writeTable(table, samples)) {
         std::fprintf(stderr, "bench-soak: %s cannot be written\n", qPrintable(table));
         return 1;
     }
-    const bool isSteady = holdsNoMore(first.state, samples.back().state);
+    const bool isSteady = holdsNoMore(first.state, last.state);
     std::puts(isSteady ? "It holds no more than after the first minute."
                        : "It holds MORE than after the first minute.");
     return isSteady ? 0 : 1;
