@@ -9,8 +9,9 @@ fuzz::BluezInMemory& fuzz::BluezInMemory::current() {
     return one;
 }
 
-BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& theFollower)
-    : connection(std::move(bus)), follower(theFollower), picture(theFollower) {
+BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& theFollower, Reopen whenLost)
+    : connection(std::move(bus)), follower(theFollower), reopen(std::move(whenLost)),
+      picture(theFollower) {
     auto& stage = fuzz::BluezInMemory::current();
     stage = {};
     stage.picture = &picture;
