@@ -92,7 +92,10 @@ std::string onOneLine(std::string_view text) {
     result.reserve(text.size());
     while (!text.empty()) {
         const auto [scalar, length] = decodeFirst(text);
-        if (scalar >= 0 && breaksTheLine(scalar))
+        // As it is, it might make a mark with what comes to stand beside it.
+        if (scalar < 0)
+            result += "\xEF\xBF\xBD";
+        else if (breaksTheLine(scalar))
             result += ' ';
         else if (!turnsTheDirection(scalar))
             result += text.substr(0, length);

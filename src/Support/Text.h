@@ -24,7 +24,8 @@ std::string_view trimmedOfBlanks(std::string_view text);
 std::string_view trimmedOfWhitespaceAndNewlines(std::string_view text);
 
 /// As a text of unknown origin is shown beside others: on one line, with a space for each control
-/// and line break, and without the marks that turn the direction of what stands after them.
+/// and line break, and without the marks that turn the direction of what stands after them. What is
+/// no UTF-8 becomes U+FFFD.
 std::string onOneLine(std::string_view text);
 
 /// In lower case, as Unicode's full mapping has it outside of any language.
