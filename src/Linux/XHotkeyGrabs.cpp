@@ -38,14 +38,22 @@ std::uint8_t keyAt(std::uint32_t virtualKeyCode) {
 bool XHotkeyGrabs::add(const Hotkey& hotkey) {
     Grab next{.hotkey = hotkey, .keyCode = keyAt(hotkey.keyCode)};
     if (next.keyCode == 0 || !grab(next)) return false;
+    next.isHeld = true;
     grabs.push_back(std::move(next));
     return true;
 }
 
 void XHotkeyGrabs::renew() {
-    for (const auto& old : grabs) ungrab(old);
+    // What stays the same is held on to: a press between two grabs would be missed.
+    const auto isOutdated = [this](const Grab& each) {
+        return !each.isHeld || each.masks != keyboard.masksOf(eventFlags(each.hotkey.modifiers));
+    };
+    std::vector<Grab*> outdated;
+    for (auto& each : grabs)
+        if (isOutdated(each)) outdated.push_back(&each);
+    for (const auto* old : outdated) ungrab(*old);
     // One that another client has got meanwhile is lost until the next time.
-    for (auto& next : grabs) grab(next);
+    for (auto* next : outdated) next->isHeld = grab(*next);
 }
 
 /// The core grabs are there for the conflicts only: the server takes the latest grab that fits.

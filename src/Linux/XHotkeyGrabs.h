@@ -39,6 +39,7 @@ private:
         Hotkey hotkey;
         std::uint8_t keyCode = 0;              // X's
         std::vector<std::uint32_t> masks = {}; // of X's modifier bits, as of the last attempt
+        bool isHeld = false;
     };
 
     bool grab(Grab& next);
