@@ -57,7 +57,7 @@ void BluezDaemon::listen() {
         if (!owner.isEmpty()) return; // a change of owner came first
         if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "s"_L1)
             follow(reply.arguments().at(0).toString());
-        else if (currentPresence == Presence::unknown)
+        else if (currentPresence == Presence::unknown || currentPresence == Presence::gone)
             forget(Presence::absent);
     });
 }

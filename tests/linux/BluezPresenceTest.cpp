@@ -63,6 +63,18 @@ TEST(BluezPresence, IsResettingWhenTheBusIsLost) {
     EXPECT_EQ(user.count("disconnected error"), 1);
 }
 
+TEST(BluezPresence, IsUnsupportedWhenAnotherBusComesWithoutADaemon) {
+    BluezStage stage;
+    const demo::PrivateBus next;
+    BluezCentral central(stage.connect(), [&] {
+        return QDBusConnection::connectToBus(next.address(), u"the next bus"_s);
+    });
+    ASSERT_TRUE(waitUntil([&] { return central.state() == CentralState::poweredOn; }));
+    stage.endBus();
+    EXPECT_TRUE(waitUntil([&] { return central.state() == CentralState::resetting; }));
+    EXPECT_TRUE(waitUntil([&] { return central.state() == CentralState::unsupported; }));
+}
+
 TEST(BluezPresence, IsUnsupportedWithoutABus) {
     CentralUser user(QDBusConnection(u"no such connection"_s));
     EXPECT_TRUE(user.waitFor("state unsupported"));
