@@ -28,6 +28,12 @@ FrameBuffer::FrameBuffer(const QString& folder) : file(folder + QStringLiteral("
     stride = word(bytesPerLine);
 }
 
+std::uint32_t FrameBuffer::colour(QPoint place) const {
+    const auto offset = firstPixel + static_cast<std::uint32_t>(place.y()) * stride +
+                        static_cast<std::uint32_t>(place.x()) * 4;
+    return qFromLittleEndian<quint32>(bytes + offset) & 0xFFFFFF;
+}
+
 bool FrameBuffer::showsCursor(const XClient& client) const {
     const auto pointer = client.pointer();
     const auto picture = client.picture();
@@ -39,12 +45,8 @@ bool FrameBuffer::showsCursor(const XClient& client) const {
         QRect{*pointer - QPoint{reach, reach}, *pointer + QPoint{reach, reach}} & picture.rect();
     int different = 0;
     for (int y = area.top(); y <= area.bottom(); ++y)
-        for (int x = area.left(); x <= area.right(); ++x) {
-            const auto offset = firstPixel + static_cast<std::uint32_t>(y) * stride +
-                                static_cast<std::uint32_t>(x) * 4;
-            const auto shown = qFromLittleEndian<quint32>(bytes + offset);
-            different += ((shown ^ picture.pixel(x, y)) & 0xFFFFFF) != 0 ? 1 : 0;
-        }
+        for (int x = area.left(); x <= area.right(); ++x)
+            different += colour({x, y}) != (picture.pixel(x, y) & 0xFFFFFF) ? 1 : 0;
     return different >= enough;
 }
 

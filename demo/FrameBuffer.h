@@ -16,6 +16,8 @@ public:
     /// Whether the cursor stands at the pointer. While windows are being drawn the answer may be
     /// wrong, so ask again.
     bool showsCursor(const XClient& client) const;
+    /// The colour (0xRRGGBB) at a place of the screen, without asking the server.
+    std::uint32_t colour(QPoint place) const;
 
 private:
     QFile file;

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "Accessible.h"
 
-#include "demo/ChildProcess.h"
 #include "demo/Recorder.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>
-#include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QUuid>
 
@@ -16,132 +14,85 @@
 namespace quenthisar::e2e {
 
 using namespace Qt::StringLiterals;
-using Reference = Accessible::Reference;
-
-QDBusArgument& operator<<(QDBusArgument& argument, const Reference& reference) {
-    argument.beginStructure();
-    argument << reference.service << reference.path;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, Reference& reference) {
-    argument.beginStructure();
-    argument >> reference.service >> reference.path;
-    argument.endStructure();
-    return argument;
-}
 
 namespace {
 
-constexpr auto accessibleInterface = "org.a11y.atspi.Accessible";
-constexpr auto componentInterface = "org.a11y.atspi.Component";
-constexpr auto registry = "org.a11y.atspi.Registry";
-constexpr auto registryRoot = "/org/a11y/atspi/accessible/root";
-// The first call starts the accessibility bus.
-constexpr int answerLimit = 25'000; // ms
-
-QVariantList answer(const QDBusConnection& bus, const QString& service, const QString& path,
-                    const QString& interface, const QString& method,
-                    const QVariantList& arguments = {}) {
-    auto message = QDBusMessage::createMethodCall(service, path, interface, method);
+/// The first value of the answer; none if there is no answer.
+QVariant answer(const QDBusConnection& bus, const Accessible::Reference& to,
+                const QString& interface, const QString& method,
+                const QVariantList& arguments = {}) {
+    auto message = QDBusMessage::createMethodCall(to.service, to.path.path(), interface, method);
     message.setArguments(arguments);
-    const auto reply = bus.call(message, QDBus::Block, answerLimit);
-    return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments() : QVariantList{};
+    constexpr int limit = 25'000; // ms: the first call starts the accessibility bus
+    const auto reply = bus.call(message, QDBus::Block, limit);
+    return reply.type() == QDBusMessage::ReplyMessage ? reply.arguments().value(0) : QVariant{};
 }
 
 QString busAddress(const QString& sessionBusAddress) {
     const auto name = QUuid::createUuid().toString();
-    QVariantList reply;
+    QString address;
     {
         const auto session = QDBusConnection::connectToBus(sessionBusAddress, name);
-        reply = answer(session, u"org.a11y.Bus"_s, u"/org/a11y/bus"_s, u"org.a11y.Bus"_s,
-                       u"GetAddress"_s);
+        address = answer(session, {u"org.a11y.Bus"_s, QDBusObjectPath{u"/org/a11y/bus"_s}},
+                         u"org.a11y.Bus"_s, u"GetAddress"_s)
+                      .toString();
     }
     QDBusConnection::disconnectFromBus(name);
-    if (reply.isEmpty()) throw std::runtime_error("the session has no accessibility bus");
-    return reply.at(0).toString();
+    if (address.isEmpty()) throw std::runtime_error("the session has no accessibility bus");
+    return address;
 }
 
 } // namespace
 
-QVariantList Accessible::call(const char* interface, const char* method,
-                              const QVariantList& arguments) const {
-    return answer(bus, reference.service, reference.path.path(), QString::fromLatin1(interface),
+QVariant Accessible::call(const char* interface, const char* method,
+                          const QVariantList& arguments) const {
+    return answer(bus, reference, u"org.a11y.atspi."_s + QLatin1StringView{interface},
                   QString::fromLatin1(method), arguments);
 }
 
 QVariant Accessible::property(const char* interface, const char* name) const {
-    const auto reply = call("org.freedesktop.DBus.Properties", "Get",
-                            {QString::fromLatin1(interface), QString::fromLatin1(name)});
-    return reply.isEmpty() ? QVariant{} : reply.at(0).value<QDBusVariant>().variant();
-}
-
-QString Accessible::name() const {
-    return property(accessibleInterface, "Name").toString();
-}
-
-QString Accessible::description() const {
-    return property(accessibleInterface, "Description").toString();
+    return answer(bus, reference, u"org.freedesktop.DBus.Properties"_s, u"Get"_s,
+                  {u"org.a11y.atspi."_s + QLatin1StringView{interface}, QString::fromLatin1(name)})
+        .value<QDBusVariant>()
+        .variant();
 }
 
 QString Accessible::role() const {
-    return call(accessibleInterface, "GetRoleName").value(0).toString();
+    return call("Accessible", "GetRoleName").toString();
 }
 
 bool Accessible::hasState(unsigned number) const {
-    const auto words = qdbus_cast<QList<unsigned>>(call(accessibleInterface, "GetState").value(0));
+    const auto words = qdbus_cast<QList<unsigned>>(call("Accessible", "GetState"));
     return (words.value(number / 32) >> number % 32 & 1U) != 0;
 }
 
 QString Accessible::text() const {
-    return call("org.a11y.atspi.Text", "GetText", {0, -1}).value(0).toString();
-}
-
-std::optional<double> Accessible::value() const {
-    const auto value = property("org.a11y.atspi.Value", "CurrentValue");
-    return value.isValid() ? std::optional{value.toDouble()} : std::nullopt;
+    return call("Text", "GetText", {0, -1}).toString();
 }
 
 QList<Accessible> Accessible::children() const {
     QList<Accessible> result;
-    const auto references =
-        qdbus_cast<QList<Reference>>(call(accessibleInterface, "GetChildren").value(0));
-    for (const auto& child : references) result.append(Accessible{bus, child});
+    const auto reply = call("Accessible", "GetChildren");
+    if (!reply.isValid()) return result; // it has gone
+    const auto list = reply.value<QDBusArgument>();
+    for (list.beginArray(); !list.atEnd();) {
+        Reference child;
+        list.beginStructure();
+        list >> child.service >> child.path;
+        list.endStructure();
+        result.append(Accessible{bus, child});
+    }
+    list.endArray();
     return result;
 }
 
 QPoint Accessible::center() const {
-    const auto reply = call(componentInterface, "GetExtents", {0U});
-    if (reply.isEmpty()) return {};
     int x = 0, y = 0, width = 0, height = 0;
-    const auto argument = reply.at(0).value<QDBusArgument>();
-    argument.beginStructure();
-    argument >> x >> y >> width >> height;
-    argument.endStructure();
+    const auto extents = call("Component", "GetExtents", {0U}).value<QDBusArgument>();
+    extents.beginStructure();
+    extents >> x >> y >> width >> height;
+    extents.endStructure();
     return {x + width / 2, y + height / 2};
-}
-
-bool Accessible::act(const QString& action) const {
-    const int count = property("org.a11y.atspi.Action", "NActions").toInt();
-    for (int i = 0; i < count; ++i) {
-        const auto name = call("org.a11y.atspi.Action", "GetName", {i}).value(0).toString();
-        if (action.isEmpty() || name == action)
-            return call("org.a11y.atspi.Action", "DoAction", {i}).value(0).toBool();
-    }
-    return false;
-}
-
-bool Accessible::setText(const QString& to) const {
-    return call("org.a11y.atspi.EditableText", "SetTextContents", {to}).value(0).toBool();
-}
-
-bool Accessible::setValue(double to) const {
-    const auto message =
-        QDBusMessage::createMethodCall(reference.service, reference.path.path(),
-                                       u"org.freedesktop.DBus.Properties"_s, u"Set"_s)
-        << u"org.a11y.atspi.Value"_s << u"CurrentValue"_s << QVariant::fromValue(QDBusVariant{to});
-    return bus.call(message, QDBus::Block, answerLimit).type() == QDBusMessage::ReplyMessage;
 }
 
 std::optional<Accessible>
@@ -161,9 +112,6 @@ QString Accessible::tree(int depth) const {
 AccessibleDesktop::AccessibleDesktop(const QString& sessionBusAddress)
     : name(QUuid::createUuid().toString()),
       bus(QDBusConnection::connectToBus(busAddress(sessionBusAddress), name)) {
-    qDBusRegisterMetaType<Reference>();
-    qDBusRegisterMetaType<QList<Reference>>();
-    qDBusRegisterMetaType<QList<unsigned>>();
     if (!bus.isConnected()) throw std::runtime_error("the accessibility bus is out of reach");
 }
 
@@ -171,10 +119,9 @@ AccessibleDesktop::~AccessibleDesktop() {
     QDBusConnection::disconnectFromBus(name);
 }
 
-QList<Accessible> AccessibleDesktop::programs() const {
-    return Accessible{
-        bus, {QString::fromLatin1(registry), QDBusObjectPath{QString::fromLatin1(registryRoot)}}}
-        .children();
+Accessible AccessibleDesktop::registry() const {
+    return {bus,
+            {u"org.a11y.atspi.Registry"_s, QDBusObjectPath{u"/org/a11y/atspi/accessible/root"_s}}};
 }
 
 std::optional<Accessible> AccessibleDesktop::element(const QString& role, const QString& name,
@@ -186,17 +133,10 @@ std::optional<Accessible> AccessibleDesktop::element(const QString& role, const 
     };
     demo::waitUntil(
         [&] {
-            for (const auto& program : programs())
-                if ((result = program.find(isWanted))) return true;
-            return false;
+            result = registry().find(isWanted);
+            return result.has_value();
         },
         limit);
-    return result;
-}
-
-QString AccessibleDesktop::tree() const {
-    QString result;
-    for (const auto& program : programs()) result += program.tree();
     return result;
 }
 

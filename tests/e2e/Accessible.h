@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QPoint>
 #include <QString>
-#include <QStringList>
 
 #include <chrono>
 #include <functional>
@@ -27,25 +25,19 @@ public:
     Accessible(QDBusConnection connection, Reference element)
         : bus(std::move(connection)), reference(std::move(element)) {}
 
-    QString name() const;
+    QString name() const { return property("Accessible", "Name").toString(); }
+    QString description() const { return property("Accessible", "Description").toString(); }
     QString role() const; // such as "push button"
-    QString description() const;
     QString text() const;
+    double value() const { return property("Value", "CurrentValue").toDouble(); }
     bool isChecked() const { return hasState(4); }
     bool isExpanded() const { return hasState(10); }
-    bool isEnabled() const { return hasState(8); }
     bool isFocused() const { return hasState(12); }
     bool isShowing() const { return hasState(25); }
-    std::optional<double> value() const;
     QList<Accessible> children() const;
     /// On the screen, in pixels; null where nothing is shown.
     QPoint center() const;
-
-    bool press() const { return act({}); }
-    /// Does the action of this name, or the first one.
-    bool act(const QString& action) const;
-    bool setText(const QString& to) const;
-    bool setValue(double to) const;
+    void press() const { call("Action", "DoAction", {0}); }
 
     /// The first element below this one, or this one, that is wanted.
     std::optional<Accessible> find(const std::function<bool(const Accessible&)>& wanted) const;
@@ -54,16 +46,13 @@ public:
 
 private:
     bool hasState(unsigned number) const;
-    QVariantList call(const char* interface, const char* method,
-                      const QVariantList& arguments = {}) const;
+    QVariant call(const char* interface, const char* method,
+                  const QVariantList& arguments = {}) const;
     QVariant property(const char* interface, const char* name) const;
 
     QDBusConnection bus;
     Reference reference;
 };
-
-QDBusArgument& operator<<(QDBusArgument& argument, const Accessible::Reference& reference);
-const QDBusArgument& operator>>(const QDBusArgument& argument, Accessible::Reference& reference);
 
 /// The accessibility bus of a session, with the programs on it.
 class AccessibleDesktop {
@@ -79,15 +68,14 @@ public:
     std::optional<Accessible> element(const QString& role, const QString& name,
                                       std::chrono::milliseconds limit) const;
     /// What is there, for the message of a failed test.
-    QString tree() const;
+    QString tree() const { return registry().tree(); }
 
 private:
-    QList<Accessible> programs() const;
+    /// The parent of all programs.
+    Accessible registry() const;
 
     QString name;
     QDBusConnection bus;
 };
 
 } // namespace quenthisar::e2e
-
-Q_DECLARE_METATYPE(quenthisar::e2e::Accessible::Reference)

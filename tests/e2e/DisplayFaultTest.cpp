@@ -6,25 +6,15 @@
 
 namespace quenthisar::e2e {
 
-namespace {
-
-constexpr unsigned long quietTime = 250; // milliseconds
-
-/// Of a server as `startXorg` starts it.
-const QString bothDisplays = QStringLiteral("--output DUMMY0 --mode 1280x800 --pos 0x0 --primary "
-                                            "--output DUMMY1 --mode 1024x768 --pos 1280x0");
-
 /// What becomes of the displays in a takeover; the bound edge is at the right of DUMMY1.
 struct Change {
     const char* name;
-    QString arguments; // of xrandr
+    const char* arguments; // of xrandr
 };
 
 void PrintTo(const Change& change, std::ostream* out) {
     *out << change.name;
 }
-
-} // namespace
 
 /// A takeover from one of two displays.
 class DisplayFault : public StageFixture, public testing::WithParamInterface<Change> {
@@ -41,15 +31,12 @@ protected:
     }
 
     void changeDisplays(const QString& arguments) const {
-        run(QStringLiteral("xrandr"), arguments);
+        demo::ChildProcess xrandr(u"xrandr"_s, arguments.split(u' '),
+                                  {{u"DISPLAY"_s, server.display()}});
+        ASSERT_EQ(xrandr.waitForEnd(soon), 0);
         // Displays change in several steps; the program looks after the last, and tells nobody.
+        constexpr unsigned long quietTime = 250; // milliseconds
         QThread::msleep(4 * quietTime);
-    }
-
-    void run(const QString& program, const QString& arguments) const {
-        demo::ChildProcess process(program, arguments.split(u' '),
-                                   {{QStringLiteral("DISPLAY"), server.display()}});
-        ASSERT_EQ(process.waitForEnd(soon), 0);
     }
 
     bool pointerIsOnADisplay() const {
@@ -65,23 +52,21 @@ protected:
 };
 
 TEST_P(DisplayFault, LeavesTheTakeoverAndTheWayBack) {
-    changeDisplays(GetParam().arguments);
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("Still there"), 0ms));
-    EXPECT_TRUE(targetGetsText(QStringLiteral("Still there")));
-    stage->hands.key(keyCode(u'k'), true);
-    ASSERT_TRUE(targetHolds({.keys = {keyCode(u'k')}, .buttons = {}}));
-    EXPECT_EQ(inputOnHost(), QStringList{});
-
+    changeDisplays(QString::fromLatin1(GetParam().arguments));
+    expectTyped(u"Still there"_s);
+    holdSome();
     stage->pressReturnChord();
-    stage->hands.key(keyCode(u'k'), false);
     EXPECT_TRUE(nothingIsHeldOnTarget());
+    hold(some(), false);
     EXPECT_TRUE(stage->hostKeyboardWorks(soon));
     if (!stage->host.monitors().isEmpty()) {
         EXPECT_TRUE(pointerIsOnADisplay());
         EXPECT_TRUE(stage->hostPointerMoves(soon));
     }
 
-    changeDisplays(bothDisplays);
+    // As the server starts with.
+    changeDisplays(u"--output DUMMY0 --mode 1280x800 --pos 0x0 --primary "
+                   "--output DUMMY1 --mode 1024x768 --pos 1280x0"_s);
     EXPECT_TRUE(stage->hostPointerMoves(soon));
     EXPECT_TRUE(pointerIsOnADisplay());
     EXPECT_TRUE(stage->cross(soon)) << "its edge is not there again";
@@ -89,14 +74,13 @@ TEST_P(DisplayFault, LeavesTheTakeoverAndTheWayBack) {
 
 INSTANTIATE_TEST_SUITE_P(
     Changes, DisplayFault,
-    testing::Values(
-        Change{"Unplugged", QStringLiteral("--output DUMMY1 --off")},
-        Change{"UnpluggedWithItsPartOfTheScreen",
-               QStringLiteral("--output DUMMY1 --off --fb 1280x800")},
-        Change{"Smaller", QStringLiteral("--output DUMMY1 --mode 640x480")},
-        Change{"TheOtherUnplugged",
-               QStringLiteral("--output DUMMY0 --off --output DUMMY1 --pos 0x0 --fb 1024x768")},
-        Change{"AllGone", QStringLiteral("--output DUMMY0 --off --output DUMMY1 --off")}),
+    testing::Values(Change{"Unplugged", "--output DUMMY1 --off"},
+                    Change{"UnpluggedWithItsPartOfTheScreen",
+                           "--output DUMMY1 --off --fb 1280x800"},
+                    Change{"Smaller", "--output DUMMY1 --mode 640x480"},
+                    Change{"TheOtherUnplugged",
+                           "--output DUMMY0 --off --output DUMMY1 --pos 0x0 --fb 1024x768"},
+                    Change{"AllGone", "--output DUMMY0 --off --output DUMMY1 --off"}),
     [](const auto& row) { return std::string{row.param.name}; });
 
 } // namespace quenthisar::e2e

@@ -6,13 +6,6 @@
 
 namespace quenthisar::e2e {
 
-namespace {
-
-/// The program may be silent for 2 s, and its last sign of life was up to 500 ms ago.
-constexpr auto guardActs = 2500ms;
-
-} // namespace
-
 /// The program is stopped in the middle of a takeover, as by a debugger or a slow disk.
 class Hang : public StageFixture {
 protected:
@@ -21,60 +14,48 @@ protected:
 
     /// The cursor is back last of all: it is gone again when the program has gone on.
     void expectHostGivenBack() {
-        EXPECT_TRUE(stage->hostPointerMoves(guardActs + soon));
-        EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, atOnce));
+        EXPECT_TRUE(stage->hostPointerMoves(soon));
+        EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
     }
 
     std::vector<pid_t> guards() const { return test::guardsOf(stage->rig.quenthisar().pid()); }
-
-    void holdKeyAndButton() {
-        stage->hands.key(keyCode(u'k'), true);
-        stage->hands.button(3, true);
-        ASSERT_TRUE(targetHolds({.keys = {keyCode(u'k')}, .buttons = {3}}));
-    }
 };
 
 TEST_F(Hang, GivesTheHostBackAndGoesOnAfterItWithNothingStuck) {
-    ASSERT_NO_FATAL_FAILURE(holdKeyAndButton());
+    holdSome();
     hang();
     expectHostGivenBack();
-    EXPECT_TRUE(stage->hostKeyboardWorks(atOnce));
-    stage->hands.key(keyCode(u'k'), false);
-    stage->hands.button(3, false);
-
+    EXPECT_TRUE(stage->hostKeyboardWorks(soon));
+    hold(some(), false);
     goOn();
-    EXPECT_TRUE(targetHolds({}));
+    EXPECT_TRUE(nothingIsHeldOnTarget());
     expectTakeover();
 }
 
 TEST_F(Hang, KeepsTheReturnAtHand) {
     hang();
-    ASSERT_TRUE(stage->hostPointerMoves(guardActs + soon));
+    ASSERT_TRUE(stage->hostPointerMoves(soon));
     ASSERT_NO_FATAL_FAILURE(markNow());
-    const auto chord = demo::returnChord(stage->host);
-    for (const auto key : chord) stage->hands.key(key, true);
+    const Held chord{.keys = demo::returnChord(stage->host), .buttons = {}};
+    hold(chord, true);
     goOn();
     // Still held when the program looks at the keyboard again.
-    ASSERT_TRUE(dongleGets(
-        [](const auto& lines) { return std::ranges::count_if(lines, &ReportLine::isMouse) > 0; }));
-    for (const auto key : chord) stage->hands.key(key, false);
-    EXPECT_TRUE(stage->hostPointerMoves(atOnce));
-    EXPECT_TRUE(nothingIsHeldOnTarget());
+    ASSERT_TRUE(dongleGetsAny(&ReportLine::isMouse));
+    hold(chord, false);
+    expectHostHasInput();
 }
 
 TEST_F(Hang, IsGuardedAgainAfterTheGuardWasKilled) {
     const auto first = guards();
     ASSERT_EQ(first.size(), 1U);
     ::kill(first.front(), SIGKILL);
-    ASSERT_TRUE(waitUntil(
-        [&] {
-            const auto now = guards();
-            return now.size() == 1 && now != first;
-        },
-        soon));
+    const auto isReplaced = [&] {
+        const auto now = guards();
+        return now.size() == 1 && now != first;
+    };
+    ASSERT_TRUE(waitUntil(isReplaced, soon));
     // What arrives shows that the program has gone on, after it told the new one.
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("x"), 0ms));
-    ASSERT_TRUE(targetGetsText(QStringLiteral("x")));
+    expectTyped(u"x"_s);
     hang();
     expectHostGivenBack();
     goOn();
@@ -87,13 +68,12 @@ TEST_F(Hang, ThatEndsBeforeTheGuardActsChangesNothing) {
     ASSERT_EQ(guard.size(), 1U);
     ::kill(guard.front(), SIGSTOP);
     hang();
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("La"), 0ms));
+    ASSERT_TRUE(stage->hands.type(u"La"_s, 0ms));
     EXPECT_EQ(inputOnHost(), QStringList{});
     goOn();
-    EXPECT_TRUE(targetGetsText(QStringLiteral("La")));
+    EXPECT_TRUE(targetGetsText(u"La"_s));
     // By now its sign of life is out, too.
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("te"), 0ms));
-    EXPECT_TRUE(targetGetsText(QStringLiteral("Late")));
+    expectTyped(u"te"_s);
     ::kill(guard.front(), SIGCONT);
     expectTakeover();
 }

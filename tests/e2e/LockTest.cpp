@@ -3,8 +3,6 @@
 #include "e2e/StageFixture.h"
 
 #include <cstdlib>
-#include <memory>
-#include <optional>
 
 namespace quenthisar::e2e {
 
@@ -18,72 +16,53 @@ bool grabsAllInput(const demo::XClient& locker) {
     const auto pointer =
         xcb_grab_pointer(c, 0, locker.root(), 0, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE,
                          XCB_NONE, XCB_CURRENT_TIME);
-    const std::unique_ptr<xcb_grab_keyboard_reply_t, decltype(&std::free)> first{
-        xcb_grab_keyboard_reply(c, keyboard, nullptr), std::free};
-    const std::unique_ptr<xcb_grab_pointer_reply_t, decltype(&std::free)> second{
-        xcb_grab_pointer_reply(c, pointer, nullptr), std::free};
-    return first && second && first->status == XCB_GRAB_STATUS_SUCCESS &&
-           second->status == XCB_GRAB_STATUS_SUCCESS;
+    const auto isGranted = [](auto* reply) {
+        const bool result = reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+        std::free(reply);
+        return result;
+    };
+    const bool first = isGranted(xcb_grab_keyboard_reply(c, keyboard, nullptr));
+    return isGranted(xcb_grab_pointer_reply(c, pointer, nullptr)) && first;
 }
 
 } // namespace
 
 /// The session is locked in the middle of a takeover.
-class LockedSession : public StageFixture {
-protected:
-    void SetUp() override {
-        StageFixture::SetUp();
-        if (HasFatalFailure()) return;
-        // It comes late, as a restarted one does, and is found all the same.
-        logind.emplace(stage->rig.systemBusAddress());
-    }
-
-    std::optional<demo::FakeLogind> logind;
-};
+using LockedSession = StageFixture;
 
 TEST_F(LockedSession, BelongsToItsLockerWithNothingHeldOnTheTarget) {
-    stage->hands.key(keyCode(u'k'), true);
-    stage->hands.button(3, true);
-    ASSERT_TRUE(targetHolds({.keys = {keyCode(u'k')}, .buttons = {3}}));
-    logind->setLockedHint(true);
-    EXPECT_TRUE(targetHolds({}));
-    stage->hands.key(keyCode(u'k'), false);
-    stage->hands.button(3, false);
-    EXPECT_TRUE(stage->hostPointerMoves(soon));
-    EXPECT_TRUE(stage->hostKeyboardWorks(soon));
-    EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
+    // It comes late, as a restarted one does, and is found all the same.
+    demo::FakeLogind logind{stage->rig.systemBusAddress()};
+    holdSome();
+    logind.setLockedHint(true);
+    EXPECT_TRUE(nothingIsHeldOnTarget());
+    hold(some(), false);
+    expectHostHasInput();
 
-    const demo::XClient locker{stage->hostDisplay()};
-    EXPECT_TRUE(waitUntil([&] { return grabsAllInput(locker); }, soon));
-    ASSERT_NO_FATAL_FAILURE(markNow());
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("Secret"), 0ms));
-    EXPECT_EQ(inputOnHost(), QStringList{});
-    xcb_ungrab_keyboard(locker.get(), XCB_CURRENT_TIME);
-    xcb_ungrab_pointer(locker.get(), XCB_CURRENT_TIME);
-    xcb_flush(locker.get());
+    {
+        const demo::XClient locker{stage->hostDisplay()};
+        EXPECT_TRUE(waitUntil([&] { return grabsAllInput(locker); }, soon));
+        ASSERT_NO_FATAL_FAILURE(markNow());
+        ASSERT_TRUE(stage->hands.type(u"Secret"_s, 0ms));
+        EXPECT_EQ(inputOnHost(), QStringList{});
+    }
     EXPECT_TRUE(stage->hostKeyboardWorks(soon));
     EXPECT_TRUE(reports().isEmpty()) << "nothing of it may reach the target";
+    logind.setLockedHint(false);
+    ASSERT_TRUE(waitUntil([&] { return !stage->hostShowsCursor(); }, soon));
 
-    logind->setLockedHint(false);
-    expectTakeover();
-}
-
-TEST_F(LockedSession, IsGivenUpAsSoonAsALockIsDemandedOrSleepIsNear) {
-    // Once a hint has come through, the program knows its session.
-    logind->setLockedHint(true);
-    EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
-    logind->setLockedHint(false);
-    EXPECT_TRUE(waitUntil([&] { return !stage->hostShowsCursor(); }, soon));
-
-    logind->emitLock();
-    EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
+    // A hint has come through, so the program knows its session.
+    const auto expectGivenUp = [&](bool isGivenUp) {
+        EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor() == isGivenUp; }, soon));
+    };
+    logind.emitLock();
+    expectGivenUp(true);
     EXPECT_TRUE(stage->hostKeyboardWorks(soon));
-    logind->emitUnlock();
-    EXPECT_TRUE(waitUntil([&] { return !stage->hostShowsCursor(); }, soon));
-
-    logind->emitPrepareForSleep(true);
-    EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
-    logind->emitPrepareForSleep(false);
+    logind.emitUnlock();
+    expectGivenUp(false);
+    logind.emitPrepareForSleep(true);
+    expectGivenUp(true);
+    logind.emitPrepareForSleep(false);
     expectTakeover();
 }
 

@@ -1,39 +1,34 @@
 // SPDX-License-Identifier: MIT
-#include "e2e/FaultFixture.h"
-#include "e2e/ProfileSettings.h"
+#include "e2e/StageFixture.h"
 
 namespace quenthisar::e2e {
 
 /// The dongle does not answer the pairing probe as it should.
-class ProbeFault : public FaultFixture {
+class ProbeFault : public StageFixture {
 protected:
     void SetUp() override {}
 
     void startWithProbe(const QString& mode) {
         start({.programs = {}, .programErrors = errors}, [&] {
-            admitFaults();
-            ask(QStringLiteral("SetProbe"), {firstDongle, mode});
+            ask(u"SetProbe"_s, {firstDongle, mode});
         });
     }
 
     const QTemporaryDir place;
-    const QString errors = place.filePath(QStringLiteral("errors"));
+    const QString errors = place.filePath(u"errors"_s);
 };
 
 TEST_F(ProbeFault, RefusedIsLoggedOnceAndLeavesTheDongleUsable) {
-    ASSERT_NO_FATAL_FAILURE(startWithProbe(QStringLiteral("refuse")));
+    ASSERT_NO_FATAL_FAILURE(startWithProbe(u"refuse"_s));
     ASSERT_TRUE(stage->cross(soon));
-    ASSERT_NO_FATAL_FAILURE(markNow());
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("Refused, but here"), 0ms));
-    EXPECT_TRUE(targetGetsText(QStringLiteral("Refused, but here")));
-    const auto line = QStringLiteral("Quenthisar: pairing/write failed for %1: ")
-                          .arg(stage->rig.dongleId())
-                          .toUtf8();
+    expectTyped(u"Refused, but here"_s);
+    const auto line =
+        u"Quenthisar: pairing/write failed for %1: "_s.arg(stage->rig.dongleId()).toUtf8();
     EXPECT_EQ(readFile(errors).count(line), 1) << readFile(errors).toStdString();
 }
 
 TEST_F(ProbeFault, NeverAnsweredTypesNothingLate) {
-    ASSERT_NO_FATAL_FAILURE(startWithProbe(QStringLiteral("silent")));
+    ASSERT_NO_FATAL_FAILURE(startWithProbe(u"silent"_s));
     // Nothing arrives at the dongle that would tell.
     const auto takesOver = [&] {
         stage->hands.moveBy({-60, 0});
@@ -46,17 +41,16 @@ TEST_F(ProbeFault, NeverAnsweredTypesNothingLate) {
     stage->hands.key(keyCode(u'k'), true);
     EXPECT_EQ(inputOnHost(), QStringList{});
 
-    ask(QStringLiteral("SetProbe"), {firstDongle, QStringLiteral("accept")});
-    ask(QStringLiteral("Drop"), {firstDongle});
-    ASSERT_TRUE(waitForEvent(QStringLiteral("answer ok")));
+    ask(u"SetProbe"_s, {firstDongle, u"accept"_s});
+    ask(u"Drop"_s, {firstDongle});
+    ASSERT_TRUE(isReady());
     EXPECT_TRUE(targetHolds({.keys = {keyCode(u'k')}, .buttons = {}}));
     stage->hands.key(keyCode(u'k'), false);
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("New"), 0ms));
-    EXPECT_TRUE(waitUntil([&] { return typedOnTarget().endsWith(QStringLiteral("New")); }, soon));
+    ASSERT_TRUE(stage->hands.type(u"New"_s, 0ms));
+    EXPECT_TRUE(waitUntil([&] { return typedOnTarget().endsWith(u"New"_s); }, soon));
     EXPECT_FALSE(typedOnTarget().contains(u'x')) << typedOnTarget().toStdString();
     stage->pressReturnChord();
-    EXPECT_TRUE(stage->hostKeyboardWorks(soon));
-    EXPECT_TRUE(nothingIsHeldOnTarget());
+    expectHostHasInput();
 }
 
 } // namespace quenthisar::e2e

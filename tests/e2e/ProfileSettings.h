@@ -12,21 +12,19 @@ namespace quenthisar::e2e {
 struct StoredProfile {
     QString name{};
     QString activateCommand{}; // a hook, run by the shell
+    QString targetCommand{};   // a chord
 };
 
 /// The identifier of the n-th of them, from 1.
 QString profileId(qsizetype number);
 
-/// The text of a settings file with these profiles, the first one active: connects and captures by
-/// itself, the display's right edge bound to the dongle.
-QByteArray settingsText(const QString& displayUuid, const QString& dongleUuid,
-                        const QList<StoredProfile>& profiles);
+/// Settings with these profiles, the first one active: connects and captures by itself, the
+/// display's right edge bound to the dongle. Throws std::runtime_error if they can't be written.
+void writeProfiles(const QString& file, const QString& displayUuid, const QString& dongleUuid,
+                   const QList<StoredProfile>& profiles);
 
-/// What a settings file says; empty if it is none.
+/// What a settings file says, with the profiles, a document in the document, as they mean; empty if
+/// it is none.
 QJsonObject readSettings(const QString& file);
-/// False if it can't be written.
-bool writeFile(const QString& file, const QByteArray& bytes);
-/// The same for all of it; null where there is none.
-QByteArray readFile(const QString& file);
 
 } // namespace quenthisar::e2e

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "e2e/FaultFixture.h"
+#include "e2e/StageFixture.h"
 
+#include <QElapsedTimer>
 #include <QThread>
 
 #include <fstream>
@@ -32,11 +33,10 @@ QList<Press> pressesIn(const QList<ReportLine>& reports) {
     QList<Press> result;
     QString key, button;
     for (qsizetype i = 0; i < reports.size(); ++i) {
-        const auto& report = reports[i];
-        if (!report.isKeyboard() && !report.isMouse()) continue;
-        auto& held = report.isKeyboard() ? key : button;
-        const auto now =
-            report.field(report.isKeyboard() ? QStringLiteral("keys") : QStringLiteral("buttons"));
+        const bool isKey = reports[i].isKeyboard();
+        if (!isKey && !reports[i].isMouse()) continue;
+        auto& held = isKey ? key : button;
+        const auto now = reports[i].field(isKey ? u"keys"_s : u"buttons"_s);
         if (now != held && now != u"none") result.append({now, i});
         held = now;
     }
@@ -45,29 +45,26 @@ QList<Press> pressesIn(const QList<ReportLine>& reports) {
 
 } // namespace
 
-using SlowLink = FaultFixture;
+using SlowLink = StageFixture;
 
 TEST_F(SlowLink, CostsLittleAndLosesOrderOfNothingWhileItTakesNothing) {
-    constexpr auto silence = 5s;
     constexpr long memoryLimit = 4'000'000;
     constexpr qsizetype motionLimit = 64; // that wait
-    const auto keys = QStringLiteral("abcdefghijklmnopqrstuvwxyz");
+    const auto keys = u"abcdefghijklmnopqrstuvwxyz"_s;
     const auto before = residentSize(stage->rig.quenthisar().pid());
-    ask(QStringLiteral("SetReading"), {firstDongle, false});
+    ask(u"SetReading"_s, {firstDongle, false});
 
     QStringList sent;
     qsizetype moves = 0;
     QElapsedTimer elapsed;
     elapsed.start();
-    while (std::chrono::milliseconds{elapsed.elapsed()} < silence) {
-        const auto letter = keys[sent.size() % keys.size()];
-        if (sent.size() % 7 == 6) {
+    while (elapsed.elapsed() < 5'000) {
+        const bool isClick = sent.size() % 7 == 6;
+        sent.append(isClick ? u"left"_s : QString{keys[sent.size() % keys.size()]});
+        if (isClick)
             stage->hands.click(1);
-            sent.append(QStringLiteral("left"));
-        } else {
-            ASSERT_TRUE(stage->hands.type(letter, 4ms));
-            sent.append(letter);
-        }
+        else
+            ASSERT_TRUE(stage->hands.type(sent.back(), 4ms));
         stage->hands.moveBy({3, -2});
         stage->hands.moveBy({-2, 3});
         ++moves;
@@ -76,10 +73,10 @@ TEST_F(SlowLink, CostsLittleAndLosesOrderOfNothingWhileItTakesNothing) {
     if (sanitizerFactor == 1) {
         EXPECT_LT(residentSize(stage->rig.quenthisar().pid()) - before, memoryLimit);
     }
-    ask(QStringLiteral("SetReading"), {firstDongle, true});
-    ASSERT_TRUE(stage->hands.type(QStringLiteral("0"), 0ms));
-    sent.append(QStringLiteral("0"));
-    ASSERT_TRUE(dongleGets([](const auto& all) {
+    ask(u"SetReading"_s, {firstDongle, true});
+    ASSERT_TRUE(stage->hands.type(u"0"_s, 0ms));
+    sent.append(u"0"_s);
+    ASSERT_TRUE(dongleGets([](const Reports& all) {
         const auto presses = pressesIn(all);
         return !presses.empty() && presses.back().what == u"0" && all.back().isAllUp();
     }));

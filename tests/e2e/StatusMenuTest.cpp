@@ -1,132 +1,47 @@
 // SPDX-License-Identifier: MIT
 #include "demo/ConfigurationWindow.h"
-#include "demo/Hands.h"
-#include "demo/ReportLine.h"
-#include "demo/Rig.h"
-#include "demo/RuntimeFolder.h"
-#include "demo/SelectionOwner.h"
-#include "e2e/SystemTray.h"
+#include "e2e/ProfileSettings.h"
+#include "e2e/StageFixture.h"
+#include "support/RunUntil.h"
 #include "support/StatusPanel.h"
 
-#include <QCoreApplication>
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
+#include <QRect>
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <memory>
 
 namespace quenthisar::e2e {
 
-using namespace std::chrono_literals;
-using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr auto soon = 20s;
-
 /// The program on a desktop that has no tray yet.
-class StatusMenu : public testing::Test {
+class StatusMenu : public StageFixture {
 protected:
-    void SetUp() override {
-        demo::provideRuntimeFolder();
-        host.switchOffAcceleration();
-        try {
-            rig = std::make_unique<demo::Rig>(demo::Rig::Options{
-                .programs = demo::Programs::in(QStringLiteral(QUENTHISAR_PROGRAMS)),
-                .hostDisplay = hostServer.display(),
-                .targetDisplay = targetServer.display()});
-            rig->startProgram();
-        } catch (const std::exception& error) {
-            FAIL() << error.what();
-        }
-    }
-    static bool waitUntil(const std::function<bool()>& done) {
-        return StatusPanel::waitUntil(done, soon);
-    }
-    /// Two profiles, the first one active; the second one does something when it becomes active.
-    void writeProfiles(const QString& command, const QString& chord) const {
-        QFile file{rig->settingsFile()};
-        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-        auto all = QJsonDocument::fromJson(file.readAll()).object();
-        file.close();
-        const auto bindings = all[u"edgeBindings"_s];
-        const QJsonArray profiles{
-            QJsonObject{{u"id"_s, workId}, {u"name"_s, u"Work"_s}, {u"bindings"_s, bindings}},
-            QJsonObject{{u"id"_s, playId},
-                        {u"name"_s, u"Play"_s},
-                        {u"bindings"_s, bindings},
-                        {u"activateCommand"_s, command},
-                        {u"targetCommand"_s, chord}}};
-        const auto text = QJsonDocument{profiles}.toJson(QJsonDocument::Compact).toBase64();
-        all[u"profiles"_s] = QJsonObject{{u"$data"_s, QString::fromLatin1(text)}};
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(QJsonDocument{all}.toJson());
-    }
-    QString activeProfile() const {
-        QFile file{rig->settingsFile()};
-        if (!file.open(QIODevice::ReadOnly)) return {};
-        return QJsonDocument::fromJson(file.readAll())[u"activeProfile"_s].toString();
-    }
-    bool dongleGets(const QString& keys) {
-        return waitUntil([&] {
-            return std::ranges::any_of(
-                demo::reportLines(rig->dongle().since(0)),
-                [&](const auto& line) { return line.what == u"keyboard "_s + keys; });
-        });
-    }
+    void SetUp() override { start({}); }
+
+    static bool waitUntil(const std::function<bool()>& done) { return test::runUntil(done, soon); }
     /// How the program ends.
-    std::optional<int> end() { return rig->quenthisar().waitForEnd(soon); }
+    std::optional<int> end() { return stage->rig.quenthisar().waitForEnd(soon); }
 
-    void moveTo(QPoint place) {
-        const auto from = host.pointer();
-        ASSERT_TRUE(from);
-        hands.moveBy(place - *from);
-    }
-    /// Windows that show an icon's menu.
-    int menusOnScreen() const {
-        auto* c = host.get();
-        const auto owned = [](auto* reply) {
-            return std::unique_ptr<std::remove_pointer_t<decltype(reply)>, decltype(&std::free)>(
-                reply, std::free);
-        };
-        const auto tree = owned(xcb_query_tree_reply(c, xcb_query_tree(c, host.root()), nullptr));
-        const auto* children = tree ? xcb_query_tree_children(tree.get()) : nullptr;
-        int count = 0;
-        for (int i = 0; children && i < tree->children_len; ++i) {
-            const auto window = owned(xcb_get_window_attributes_reply(
-                c, xcb_get_window_attributes(c, children[i]), nullptr));
-            const auto frame =
-                owned(xcb_get_geometry_reply(c, xcb_get_geometry(c, children[i]), nullptr));
-            count += window && frame && window->override_redirect &&
-                     window->map_state == XCB_MAP_STATE_VIEWABLE && frame->height > 100;
-        }
-        return count;
+    /// As tall as a menu, at least.
+    auto windows() const {
+        return std::ranges::count_if(
+            stage->host.windowsWith("_NET_WM_WINDOW_TYPE"), [&](xcb_window_t window) {
+                auto* c = stage->host.get();
+                auto* frame = xcb_get_geometry_reply(c, xcb_get_geometry(c, window), nullptr);
+                const bool isTall = frame && frame->height > 100;
+                std::free(frame);
+                return isTall;
+            });
     }
 
-    const QString workId = u"11111111-2222-4333-8444-555555555501"_s,
-                  playId = u"11111111-2222-4333-8444-555555555502"_s;
-    int argumentCount = 1;
-    char name[6] = "tests";
-    char* list[2] = {name, nullptr};
-    QCoreApplication application{argumentCount, list};
-    demo::XServer hostServer, targetServer;
-    demo::XClient host{hostServer.display()};
-    demo::Hands hands{host};
-    std::unique_ptr<demo::Rig> rig;
+    const QString capture = u"Capture"_s, profile = u"Profile"_s, take = u"Take over"_s,
+                  type = u"Type Clipboard to Target"_s, open = u"Open Quenthisar"_s,
+                  quit = u"Quit"_s;
 };
 
-} // namespace
-
 TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
-    StatusPanel panel(rig->sessionBusAddress());
+    StatusPanel panel(stage->rig.sessionBusAddress());
     ASSERT_TRUE(panel.waitForItem());
-    const auto take = u"Take over"_s, capture = u"Capture"_s;
     // The panel never opens it: it follows by itself.
     ASSERT_TRUE(panel.waitForMenu([&](const PanelItem& menu) {
         return menu[capture].mark() == 1 && menu[take].children.size() == 1 &&
@@ -135,17 +50,10 @@ TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
     const auto menu = panel.menu();
     QStringList labels;
     for (const auto& item : menu.children) labels.append(item.label());
-    EXPECT_EQ(labels, (QStringList{capture,
-                                   u"Active: Local"_s,
-                                   {},
-                                   u"Profile"_s,
-                                   take,
-                                   u"Type Clipboard to Target"_s,
-                                   {},
-                                   u"Open Quenthisar"_s,
-                                   u"Quit"_s}));
+    EXPECT_EQ(labels,
+              (QStringList{capture, u"Active: Local"_s, {}, profile, take, type, {}, open, quit}));
     const auto dongle = menu[take].children[0];
-    EXPECT_TRUE(dongle.label().startsWith(u"Target ("_s));
+    EXPECT_EQ(dongle.label(), stage->rig.dongleName());
 
     const auto captures = [&](int on) {
         return panel.waitForMenu([&](const PanelItem& now) { return now[capture].mark() == on; });
@@ -161,43 +69,50 @@ TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
     ASSERT_TRUE(captures(0));
     EXPECT_EQ(panel.menu().children.at(1).label(), u"Active: Local"_s);
 
-    panel.click(menu[u"Quit"_s].id);
+    panel.click(menu[quit].id);
     EXPECT_EQ(end(), 0);
 }
 
 TEST_F(StatusMenu, SwitchesProfilesTypesAndOpensTheWindow) {
-    const auto activated = rig->configurationFolder() + u"/activated"_s;
-    rig->endProgram();
-    writeProfiles(u"touch '%1'"_s.arg(activated), u"cmd+l"_s);
-    rig->startProgram();
-    StatusPanel panel(rig->sessionBusAddress());
+    const auto activated = stage->rig.configurationFolder() + u"/activated"_s;
+    const auto settings = stage->rig.settingsFile();
+    stage->rig.endProgram();
+    writeProfiles(settings, stage->rig.displayUuid(), stage->rig.dongleId(),
+                  {{.name = u"Work"_s},
+                   {.name = u"Play"_s,
+                    .activateCommand = u"echo x > '%1'"_s.arg(activated),
+                    .targetCommand = u"cmd+l"_s}});
+    stage->rig.startProgram();
+    StatusPanel panel(stage->rig.sessionBusAddress());
     ASSERT_TRUE(panel.waitForItem());
-    const auto profile = u"Profile"_s, take = u"Take over"_s, type = u"Type Clipboard to Target"_s;
     const auto marks = [&](int work, int play) {
         return panel.waitForMenu([&](const PanelItem& now) {
-            const auto& items = now[profile].children;
-            return items.size() == 2 && items[0].label() == u"Work" && items[0].mark() == work &&
-                   items[1].label() == u"Play" && items[1].mark() == play;
+            const auto& items = now[profile];
+            return items[u"Work"_s].mark() == work && items[u"Play"_s].mark() == play;
         });
+    };
+    const auto types = [this](const QString& keys) {
+        return dongleGetsAny(
+            [&](const ReportLine& line) { return line.what == u"keyboard "_s + keys; });
     };
     ASSERT_TRUE(marks(1, 0));
     panel.click(panel.menu()[profile][u"Play"_s].id);
     EXPECT_TRUE(marks(0, 1));
-    EXPECT_TRUE(waitUntil([&] { return activeProfile() == playId; }));
-    EXPECT_TRUE(waitUntil([&] { return QFile::exists(activated); }));
-    EXPECT_TRUE(dongleGets(u"modifiers=gui keys=l"_s));
-
-    const demo::SelectionOwner clipboard(u"q"_s, hostServer.display());
-    ASSERT_TRUE(panel.menu()[type].isEnabled());
-    panel.click(panel.menu()[type].id);
-    EXPECT_TRUE(dongleGets(u"modifiers=none keys=q"_s));
-
-    EXPECT_EQ(demo::configurationWindow(host), xcb_window_t{XCB_NONE});
-    panel.click(panel.menu()[u"Open Quenthisar"_s].id);
     EXPECT_TRUE(
-        waitUntil([&] { return demo::configurationWindow(host) != xcb_window_t{XCB_NONE}; }));
+        waitUntil([&] { return readSettings(settings)[u"activeProfile"_s] == profileId(2); }));
+    EXPECT_TRUE(waitUntil([&] { return !readFile(activated).isEmpty(); }));
+    EXPECT_TRUE(types(u"modifiers=gui keys=l"_s));
 
-    rig->dongle().process().signal(SIGKILL);
+    const demo::SelectionOwner clipboard(u"q"_s, stage->hostDisplay());
+    panel.click(panel.menu()[type].id);
+    EXPECT_TRUE(types(u"modifiers=none keys=q"_s));
+
+    EXPECT_EQ(demo::configurationWindow(stage->host), xcb_window_t{XCB_NONE});
+    panel.click(panel.menu()[open].id);
+    EXPECT_TRUE(waitUntil(
+        [&] { return demo::configurationWindow(stage->host) != xcb_window_t{XCB_NONE}; }));
+
+    stage->rig.dongle().process().signal(SIGKILL);
     EXPECT_TRUE(panel.waitForMenu([&](const PanelItem& now) {
         const auto& items = now[take].children;
         return items.size() == 1 && items[0].label() == u"No connected dongles" &&
@@ -205,38 +120,92 @@ TEST_F(StatusMenu, SwitchesProfilesTypesAndOpensTheWindow) {
     }));
 }
 
+namespace {
+
+/// A tray into which programs put windows (XEmbed), for one icon.
+class SystemTray {
+public:
+    explicit SystemTray(const QString& display)
+        : client(display), c(client.get()), window(xcb_generate_id(c)) {
+        const std::uint32_t values[]{1, XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
+        xcb_create_window(c, XCB_COPY_FROM_PARENT, window, client.root(), frame.x(), frame.y(),
+                          frame.width(), frame.height(), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                          XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT | XCB_CW_EVENT_MASK,
+                          values);
+        xcb_map_window(c, window);
+        const auto selection = client.atom("_NET_SYSTEM_TRAY_S0");
+        xcb_set_selection_owner(c, window, selection, XCB_CURRENT_TIME);
+        const xcb_client_message_event_t message{
+            .response_type = XCB_CLIENT_MESSAGE,
+            .format = 32,
+            .sequence = 0,
+            .window = client.root(),
+            .type = client.atom("MANAGER"),
+            .data = {.data32 = {XCB_CURRENT_TIME, selection, window}}};
+        xcb_send_event(c, false, client.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&message));
+        xcb_flush(c);
+    }
+
+    /// Takes in what has come since. Whether an icon is there.
+    bool hasIcon() {
+        while (auto* event = xcb_poll_for_event(c)) {
+            const auto* message = reinterpret_cast<const xcb_client_message_event_t*>(event);
+            const auto* destroyed = reinterpret_cast<const xcb_destroy_notify_event_t*>(event);
+            const int type = event->response_type & 0x7F;
+            constexpr std::uint32_t requestDock = 0;
+            if (type == XCB_CLIENT_MESSAGE &&
+                message->type == client.atom("_NET_SYSTEM_TRAY_OPCODE") &&
+                message->data.data32[1] == requestDock)
+                embed(message->data.data32[2]);
+            if (type == XCB_DESTROY_NOTIFY && destroyed->window == icon) icon = XCB_WINDOW_NONE;
+            std::free(event);
+        }
+        return icon != XCB_WINDOW_NONE;
+    }
+
+    static constexpr QRect frame{600, 100, 24, 24};
+
+private:
+    void embed(xcb_window_t comer) {
+        icon = comer;
+        xcb_reparent_window(c, icon, window, 0, 0);
+        const std::uint32_t size[]{frame.width(), frame.height()};
+        xcb_configure_window(c, icon, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+        xcb_map_window(c, icon);
+        xcb_flush(c);
+    }
+
+    demo::XClient client;
+    xcb_connection_t* c;
+    xcb_window_t window, icon = XCB_WINDOW_NONE;
+};
+
+} // namespace
+
 TEST_F(StatusMenu, OpensFromATrayOfWindowsWhereThereIsNoPanel) {
-    const auto tray = std::make_unique<SystemTray>(hostServer.display());
-    ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); }));
-    moveTo(SystemTray::frame.center());
-    // A second click on a menu that is about to come would choose from it.
-    const auto opensBy = [&](std::uint8_t button) {
-        const auto attempt = [&] {
-            hands.click(button);
-            if (demo::waitUntil([&] { return menusOnScreen() == 1; }, 2s)) return true;
-            // Whatever came instead, or comes late: from the beginning.
-            hands.chord({*host.keyCodeOf(0xFF1B)}); // Escape
-            demo::waitUntil([&] { return menusOnScreen() == 0; }, 2s);
+    SystemTray tray{stage->hostDisplay()};
+    ASSERT_TRUE(waitUntil([&] { return tray.hasIcon(); }));
+    const auto atFirst = windows();
+    stage->hands.moveBy(SystemTray::frame.center() - stage->host.pointer().value_or(QPoint{}));
+    for (const auto button : {std::uint8_t{1}, std::uint8_t{3}}) {
+        // A second click on a menu that is about to come would choose from it.
+        const auto opens = [&] {
+            stage->hands.click(button);
+            if (demo::waitUntil([&] { return windows() > atFirst; }, 2s)) return true;
+            stage->hands.chord({keyCodeOf(escapeKey)});
             return false;
         };
-        return demo::retry(attempt, soon);
-    };
-    for (const auto button : {std::uint8_t{1}, std::uint8_t{3}}) {
-        ASSERT_TRUE(opensBy(button));
-        // Escape
-        hands.key(*host.keyCodeOf(0xFF1B), true);
-        hands.key(*host.keyCodeOf(0xFF1B), false);
-        ASSERT_TRUE(waitUntil([&] { return menusOnScreen() == 0; }));
+        ASSERT_TRUE(demo::retry(opens, soon)) << "button " << int{button};
+        stage->hands.chord({keyCodeOf(escapeKey)});
+        ASSERT_TRUE(waitUntil([&] { return windows() == atFirst; }));
     }
     {
-        StatusPanel panel(rig->sessionBusAddress());
+        StatusPanel panel(stage->rig.sessionBusAddress());
         ASSERT_TRUE(panel.waitForItem());
-        EXPECT_TRUE(waitUntil([&] { return !tray->hasIcon(); })) << "one icon is enough";
+        EXPECT_TRUE(waitUntil([&] { return !tray.hasIcon(); })) << "one icon is enough";
     }
-    ASSERT_TRUE(waitUntil([&] { return tray->hasIcon(); })) << "the panel is gone";
-    ASSERT_TRUE(opensBy(1));
-    hands.chord({*host.keyCodeOf(0xFFE3), *host.keyCodeOf('q')}); // Control
-    EXPECT_EQ(end(), 0);
+    EXPECT_TRUE(waitUntil([&] { return tray.hasIcon(); })) << "the panel is gone";
 }
 
 } // namespace quenthisar::e2e

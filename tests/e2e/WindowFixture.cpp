@@ -1,32 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "e2e/WindowFixture.h"
 
-#include "demo/Binding.h"
+#include "e2e/ProfileSettings.h"
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 
 namespace quenthisar::e2e {
 
-using namespace Qt::StringLiterals;
-
-namespace {
-
-/// How long one of several tries may take.
-constexpr auto oneTry = 4s;
-
-} // namespace
-
-void WindowFixture::begin(demo::Stage::Options options) {
-    demo::provideRuntimeFolder();
-    options.programs = demo::Programs::in(QStringLiteral(QUENTHISAR_PROGRAMS));
-    options.hasSettings = false;
+void WindowFixture::open(demo::Stage::Options options, const std::function<void()>& prepare) {
     options.isAccessible = true;
     try {
-        stage = std::make_unique<demo::Stage>(options);
+        build(options);
         dongle = stage->rig.dongleName();
-        dongleId = demo::dongleUuid(QStringLiteral("C0:FF:EE:00:00:01"));
+        dongleId = stage->rig.dongleId();
+        if (prepare) prepare();
         openProgram();
     } catch (const std::exception& error) {
         FAIL() << error.what();
@@ -36,11 +24,11 @@ void WindowFixture::begin(demo::Stage::Options options) {
 void WindowFixture::openProgram() {
     stage->rig.openProgram();
     desktop.emplace(stage->rig.sessionBusAddress());
-    ASSERT_TRUE(find(Role::tab, QStringLiteral("Dongles")));
+    ASSERT_TRUE(find(Role::tab, u"Dongles"_s));
 }
 
 void WindowFixture::quit() {
-    stage->hands.chord({*stage->host.keyCodeOf(controlKey), keyCode(u'q')});
+    stage->hands.chord({keyCodeOf(controlKey), keyCode(u'q')});
     EXPECT_EQ(stage->rig.quenthisar().waitForEnd(soon), 0);
 }
 
@@ -51,17 +39,13 @@ std::optional<Accessible> WindowFixture::find(const QString& role, const QString
     return found;
 }
 
-bool WindowFixture::shows(const QString& role, const QString& name) const {
-    return desktop->element(role, name, 0ms).has_value();
+bool WindowFixture::shows(const QString& role, const QString& name, const Wanted& wanted) const {
+    const auto element = desktop->element(role, name, 0ms);
+    return element && (!wanted || wanted(*element));
 }
 
-bool WindowFixture::becomes(const QString& role, const QString& name,
-                            const std::function<bool(const Accessible&)>& wanted) const {
-    const auto isSo = [&] {
-        const auto element = desktop->element(role, name, 0ms);
-        return element && wanted(*element);
-    };
-    if (waitUntil(isSo, soon)) return true;
+bool WindowFixture::becomes(const QString& role, const QString& name, const Wanted& wanted) const {
+    if (waitUntil([&] { return shows(role, name, wanted); }, soon)) return true;
     ADD_FAILURE() << name.toStdString() << " in\n" << desktop->tree().toStdString();
     return false;
 }
@@ -73,7 +57,9 @@ void WindowFixture::moveTo(QPoint place) const {
             stage->hands.moveBy(place - *at);
 }
 
-bool WindowFixture::click(const QString& role, const QString& name, const Effect& hasEffect) const {
+bool WindowFixture::click(const QString& role, const QString& name,
+                          const std::function<bool()>& hasEffect) const {
+    constexpr auto oneTry = 4s;
     const auto attempt = [&] {
         // A second click would undo the first one where that was only slow.
         if (hasEffect()) return true;
@@ -92,33 +78,24 @@ bool WindowFixture::click(const QString& role, const QString& name, const Effect
 }
 
 bool WindowFixture::openTab(const QString& name) const {
-    const std::pair<QString, QString> contents[]{{u"Dongles"_s, u"Capture enabled"_s},
-                                                 {u"Edges"_s, u"Profile"_s},
-                                                 {u"Profiles"_s, u"New profile name"_s},
-                                                 {u"Settings"_s, u"Show takeover HUD"_s}};
-    const auto content = std::ranges::find(contents, name, &std::pair<QString, QString>::first);
-    return click(Role::tab, name, [&] {
-        return std::ranges::any_of(
-            std::initializer_list<QString>{Role::checkBox, Role::picker, Role::field},
-            [&](const QString& role) { return shows(role, content->second); });
-    });
+    const std::map<QString, std::pair<QString, QString>> contents{
+        {u"Dongles"_s, {Role::checkBox, u"Capture enabled"_s}},
+        {u"Edges"_s, {Role::picker, u"Profile"_s}},
+        {u"Profiles"_s, {Role::field, u"New profile name"_s}},
+        {u"Settings"_s, {Role::checkBox, u"Show takeover HUD"_s}}};
+    const auto& content = contents.at(name);
+    return click(Role::tab, name, [&] { return shows(content.first, content.second); });
 }
 
 bool WindowFixture::fill(const QString& name, const QString& text) const {
-    const auto isFocused = [&] {
-        const auto element = desktop->element(Role::field, name, 0ms);
-        return element && element->isFocused();
-    };
-    if (!click(Role::field, name, isFocused)) return false;
-    stage->hands.chord({*stage->host.keyCodeOf(controlKey), keyCode(u'a')});
+    if (!click(Role::field, name, [&] { return shows(Role::field, name, &Accessible::isFocused); }))
+        return false;
+    stage->hands.chord({keyCodeOf(controlKey), keyCode(u'a')});
     return stage->hands.type(text, 0ms);
 }
 
 bool WindowFixture::choose(const QString& name, int rowsBelow, const QString& offer) const {
-    const auto isOpen = [&] {
-        const auto element = desktop->element(Role::picker, name, 0ms);
-        return element && element->isExpanded();
-    };
+    const auto isOpen = [&] { return shows(Role::picker, name, &Accessible::isExpanded); };
     if (!click(Role::picker, name, isOpen)) return false;
     for (int row = 0; row < rowsBelow; ++row) press(downKey);
     press(returnKey);
@@ -127,24 +104,12 @@ bool WindowFixture::choose(const QString& name, int rowsBelow, const QString& of
     });
 }
 
-void WindowFixture::press(std::uint32_t keySymbol) const {
-    const auto code = stage->host.keyCodeOf(keySymbol);
-    ASSERT_TRUE(code);
-    stage->hands.chord({*code});
-}
-
 bool WindowFixture::isOn(const QString& checkBox) const {
-    const auto element = desktop->element(Role::checkBox, checkBox, 0ms);
-    return element && element->isChecked();
+    return shows(Role::checkBox, checkBox, &Accessible::isChecked);
 }
 
 QJsonObject WindowFixture::settings() const {
-    QFile file{stage->rig.settingsFile()};
-    if (!file.open(QIODevice::ReadOnly)) return {};
-    auto all = QJsonDocument::fromJson(file.readAll()).object();
-    const auto profiles = all[u"profiles"_s][u"$data"_s].toString().toLatin1();
-    all[u"profiles"_s] = QJsonDocument::fromJson(QByteArray::fromBase64(profiles)).array();
-    return all;
+    return readSettings(stage->rig.settingsFile());
 }
 
 bool WindowFixture::isStored(const QString& path, const QJsonValue& value) const {
@@ -154,7 +119,7 @@ bool WindowFixture::isStored(const QString& path, const QJsonValue& value) const
             at = at.isArray() ? at[step.toInt()] : at.toObject().value(step);
         return at == value;
     };
-    if (waitUntil(isSo, atOnce)) return true;
+    if (waitUntil(isSo, soon)) return true;
     ADD_FAILURE() << path.toStdString() << " in\n"
                   << QJsonDocument{settings()}.toJson().toStdString();
     return false;

@@ -1,22 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "demo/ConfigurationWindow.h"
 #include "e2e/WindowFixture.h"
+#include "support/RunUntil.h"
 #include "support/StatusPanel.h"
-
-#include <QCoreApplication>
 
 #include <array>
 #include <cstdlib>
 
 namespace quenthisar::e2e {
-
-using namespace Qt::StringLiterals;
-
-namespace {
-
-constexpr std::uint32_t iconic = 3; // as WM_STATE has it
-
-} // namespace
 
 /// The window on a desktop with a window manager.
 class WindowOnADesktop : public WindowFixture {
@@ -27,7 +18,7 @@ protected:
         manager = std::make_unique<demo::ChildProcess>(
             u"openbox"_s, QStringList{u"--sm-disable"_s},
             demo::ChildProcess::Environment{{u"DISPLAY"_s, stage->hostDisplay()}});
-        ASSERT_TRUE(waitUntil([this] { return placeInFrame() != QPoint{}; }, soon));
+        ASSERT_TRUE(waitUntil([this] { return hasFrame(); }, soon));
         // The manager puts the windows that are there in an order of its own.
         startOnceMore();
     }
@@ -39,39 +30,38 @@ protected:
     xcb_window_t window() const { return demo::configurationWindow(stage->host); }
     bool isOnScreen() const { return window() != XCB_NONE; }
     bool hasKeyboard() const { return demo::focusedWindow(stage->host) == window(); }
-
-    /// Of the window's top-left corner on the screen, or in its frame.
-    QPoint place() const { return translated(stage->host.root()); }
-    QPoint placeInFrame() const {
+    bool hasFrame() const {
         auto* c = stage->host.get();
         auto* tree = xcb_query_tree_reply(c, xcb_query_tree(c, window()), nullptr);
-        const auto frame = tree ? tree->parent : stage->host.root();
+        const bool result = tree && tree->parent != stage->host.root();
         std::free(tree);
-        return frame == stage->host.root() ? QPoint{} : translated(frame);
+        return result;
     }
-    QPoint translated(xcb_window_t to) const {
+    /// Of the window's top-left corner on the screen.
+    QPoint place() const {
         auto* c = stage->host.get();
         auto* reply = xcb_translate_coordinates_reply(
-            c, xcb_translate_coordinates(c, window(), to, 0, 0), nullptr);
+            c, xcb_translate_coordinates(c, window(), stage->host.root(), 0, 0), nullptr);
         const auto result = reply ? QPoint{reply->dst_x, reply->dst_y} : QPoint{};
         std::free(reply);
         return result;
     }
-
     /// As by its title.
     void moveWindow(QPoint to) const {
-        const std::array<std::uint32_t, 2> values{static_cast<std::uint32_t>(to.x()),
-                                                  static_cast<std::uint32_t>(to.y())};
+        const std::array values{static_cast<std::uint32_t>(to.x()),
+                                static_cast<std::uint32_t>(to.y())};
         xcb_configure_window(stage->host.get(), window(), XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y,
                              values.data());
         xcb_flush(stage->host.get());
     }
     void minimise() const {
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = window();
-        message.type = stage->host.atom("WM_CHANGE_STATE");
+        constexpr std::uint32_t iconic = 3; // as WM_STATE has it
+        xcb_client_message_event_t message{.response_type = XCB_CLIENT_MESSAGE,
+                                           .format = 32,
+                                           .sequence = 0,
+                                           .window = window(),
+                                           .type = stage->host.atom("WM_CHANGE_STATE"),
+                                           .data = {}};
         message.data.data32[0] = iconic;
         xcb_send_event(stage->host.get(), 0, stage->host.root(),
                        XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
@@ -87,14 +77,15 @@ protected:
 TEST_F(WindowOnADesktop, ComesBackAsItWasByASecondStart) {
     ASSERT_TRUE(openTab(u"Profiles"_s));
     ASSERT_TRUE(fill(u"New profile name"_s, u"Half a na"_s));
-    constexpr QPoint corner{40, 90};
-    moveWindow(corner);
-    ASSERT_TRUE(waitUntil([&] { return place() == corner + placeInFrame(); }, soon));
+    const auto before = place();
+    moveWindow({40, 90});
+    ASSERT_TRUE(waitUntil([&] { return place() != before; }, soon));
+    const auto corner = place();
 
     const auto expectItBack = [&] {
         startOnceMore();
         EXPECT_TRUE(waitUntil([&] { return isOnScreen() && hasKeyboard(); }, soon));
-        EXPECT_TRUE(waitUntil([&] { return place() == corner + placeInFrame(); }, soon));
+        EXPECT_TRUE(waitUntil([&] { return place() == corner; }, soon));
         EXPECT_TRUE(becomes(Role::field, u"New profile name"_s,
                             [](const Accessible& field) { return field.text() == u"Half a na"; }));
     };
@@ -123,16 +114,14 @@ TEST_F(WindowOnADesktop, ComesBackAsItWasByASecondStart) {
 class CaptureThatIsRefused : public WindowFixture {
 protected:
     void SetUp() override {
-        begin({.programs = {}, .programEnvironment = {{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}});
+        open({.programs = {},
+              .hasSettings = false,
+              .programEnvironment = {{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}});
         if (stage) withoutPrompt = windows();
     }
     qsizetype windows() const { return stage->host.windowsWith("WM_PROTOCOLS").size(); }
     qsizetype prompts() const { return windows() - withoutPrompt; }
 
-    int argumentCount = 1;
-    char name[6] = "tests";
-    char* list[2] = {name, nullptr};
-    QCoreApplication application{argumentCount, list};
     qsizetype withoutPrompt = 0;
 };
 
@@ -140,10 +129,10 @@ TEST_F(CaptureThatIsRefused, LeavesSwitchAndMarkOffBehindOnePrompt) {
     const auto capture = u"Capture enabled"_s;
     StatusPanel panel(stage->rig.sessionBusAddress());
     ASSERT_TRUE(panel.waitForItem());
-    const auto hasPrompts = [this](qsizetype count) {
-        return StatusPanel::waitUntil([&] { return prompts() == count; }, soon);
-    };
     const auto isOff = [&] { return !isOn(capture) && panel.menu()[u"Capture"_s].mark() == 0; };
+    const auto confirm = [&] {
+        return click(Role::button, u"OK"_s, [this] { return prompts() == 0; });
+    };
 
     ASSERT_TRUE(click(Role::checkBox, capture, [this] { return prompts() > 0; }));
     EXPECT_TRUE(isOff());
@@ -151,12 +140,12 @@ TEST_F(CaptureThatIsRefused, LeavesSwitchAndMarkOffBehindOnePrompt) {
     panel.click(panel.menu()[u"Capture"_s].id);
     EXPECT_TRUE(isOff());
     EXPECT_EQ(prompts(), 1);
-    ASSERT_TRUE(click(Role::button, u"OK"_s, [this] { return prompts() == 0; }));
+    ASSERT_TRUE(confirm());
 
     ASSERT_TRUE(click(Role::button, u"Grant..."_s, [this] { return prompts() > 0; }));
-    ASSERT_TRUE(click(Role::button, u"OK"_s, [this] { return prompts() == 0; }));
+    ASSERT_TRUE(confirm());
     panel.click(panel.menu()[u"Capture"_s].id);
-    EXPECT_TRUE(hasPrompts(1));
+    EXPECT_TRUE(test::runUntil([&] { return prompts() == 1; }, soon));
     EXPECT_TRUE(isOff());
 }
 

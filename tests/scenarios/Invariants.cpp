@@ -59,33 +59,7 @@ bool isStored(const FakeUserDefaults& defaults, const char* key,
 
 } // namespace
 
-std::string_view inWords(Invariant invariant) {
-    switch (invariant) {
-    case Invariant::nothingIsHeldAfterAReturn: return "nothing is held on a target that returned";
-    case Invariant::hostSeesNothingOfATakeover: return "the host sees nothing of a takeover";
-    case Invariant::hostSeesEverythingElse: return "the host sees all but the crossing move";
-    case Invariant::payloadsBelongToSomething: return "no payload outside takeovers and chords";
-    case Invariant::payloadsAreValid: return "payloads are valid";
-    case Invariant::payloadsNeedAReadyLink: return "payloads need a ready link";
-    case Invariant::oneProbePerLink: return "one probe per link, first of all";
-    case Invariant::oneEventIsOnePayload: return "one event is one payload, a return two";
-    case Invariant::motionAddsUp: return "motion adds up";
-    case Invariant::slamOnlyThroughAnEdge: return "a slam only through an edge";
-    case Invariant::takeoversNeedAConnectedDongle: return "takeovers need a connected dongle";
-    case Invariant::edgesAreReArmedFirst: return "an edge is left once before it counts again";
-    case Invariant::onlyTheUserReturns: return "the chord, a push back or stopping end a takeover";
-    case Invariant::modeFollowsTakeover: return "the mode follows the takeover";
-    case Invariant::cursorFollowsTakeover: return "the cursor follows the takeover";
-    case Invariant::captureFollowsTap: return "capture follows the tap";
-    case Invariant::aProfileIsActive: return "one of the profiles is active";
-    case Invariant::donglesAreOnlyAppended: return "dongles are only appended";
-    case Invariant::settingsAreStored: return "settings are stored";
-    case Invariant::panelsFollowTakeovers: return "a panel is there for 2.6 s of a takeover";
-    }
-    return {};
-}
-
-void Invariants::require(bool holds, Invariant invariant, const std::string& detail) {
+void Invariants::require(bool holds, std::string_view invariant, const std::string& detail) {
     if (!holds && !violation) violation = {invariant, detail};
 }
 
@@ -165,7 +139,7 @@ bool Invariants::wasAnnounced(std::size_t dongle, const Payload& payload) {
         return a.when == now && a.dongle == dongle && a.payload == payload;
     });
     if (it == announced.end()) return false;
-    seen.typed += it->isTyped;
+    seen[typed] += it->isTyped ? 1 : 0;
     announced.erase(it);
     return true;
 }
@@ -180,7 +154,7 @@ void Invariants::profileWillBe(const Uuid& id) {
         const bool isBound = std::ranges::any_of(
             profile->bindings, [&](const auto& binding) { return binding.second == dongle.id; });
         if (!isBound || dongle.state != DongleConnectionState::connected) continue;
-        ++seen.profileChords;
+        ++seen[profileChord];
         return announceChord(profile->targetCommand, World::index(dongle.id));
     }
 }
@@ -233,21 +207,21 @@ void Invariants::takeoverWillBe(const std::optional<Takeover>& next) {
         // It replaces one that is not fading yet.
         if (panelUntil <= now) fadesUntil = std::max(fadesUntil, panelUntil + panelFade);
         panelUntil = now + panelTime;
-        ++seen.panels;
+        ++seen[panel];
     } else if (panelUntil > now) {
         panelUntil = now;
     }
     if (!next) {
-        const bool chord = posting && event.type == EventType::flagsChanged &&
-                           (event.flags & returnChord) == returnChord;
+        const bool returns = posting && event.type == EventType::flagsChanged &&
+                             (event.flags & returnChord) == returnChord;
         const bool pushed = posting && isMotion(event.type) && state.takeover->has_value() &&
                             (*state.takeover)->edge;
-        require(chord || pushed || !posting, Invariant::onlyTheUserReturns, "by another event");
+        require(returns || pushed || !posting, Invariant::onlyTheUserReturns, "by another event");
         mustReArm = true;
-        ++(chord ? seen.chords : pushed ? seen.pushes : seen.stops);
+        ++seen[returns ? chord : pushed ? push : stop];
         return;
     }
-    ++(next->edge ? seen.crossings : seen.otherTakeovers);
+    ++seen[next->edge ? crossing : otherTakeover];
     const Dongle* dongle = state.dongle(next->dongleID);
     require(dongle && dongle->state == DongleConnectionState::connected && !*state.takeover,
             Invariant::takeoversNeedAConnectedDongle, World::dongleName(next->dongleID));
@@ -283,7 +257,7 @@ void Invariants::posted(const TapEvent&, TapVerdict verdict) {
     const bool swallowed = verdict == TapVerdict::swallow;
     const bool isRemote = world->state().takeover->has_value();
     require(!slammed, Invariant::payloadsBelongToSomething, "a payload without a takeover");
-    seen.payloads += payloads;
+    seen[payload] += static_cast<std::size_t>(payloads);
     if (!before) {
         require(swallowed == isRemote && (!isRemote || isMotion(event.type)),
                 Invariant::hostSeesEverythingElse, "");

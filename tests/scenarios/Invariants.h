@@ -13,33 +13,29 @@
 namespace quenthisar {
 
 /// What holds whatever happens.
-enum class Invariant {
-    nothingIsHeldAfterAReturn,
-    hostSeesNothingOfATakeover,
-    hostSeesEverythingElse,
-    payloadsBelongToSomething,
-    payloadsAreValid,
-    payloadsNeedAReadyLink,
-    oneProbePerLink,
-    oneEventIsOnePayload,
-    motionAddsUp,
-    slamOnlyThroughAnEdge,
-    takeoversNeedAConnectedDongle,
-    edgesAreReArmedFirst,
-    onlyTheUserReturns,
-    modeFollowsTakeover,
-    cursorFollowsTakeover,
-    captureFollowsTap,
-    aProfileIsActive,
-    donglesAreOnlyAppended,
-    settingsAreStored,
-    panelsFollowTakeovers,
-};
-
-std::string_view inWords(Invariant invariant);
+namespace Invariant {
+inline constexpr std::string_view
+    nothingIsHeldAfterAReturn = "nothing is held on a target that returned",
+    hostSeesNothingOfATakeover = "the host sees nothing of a takeover",
+    hostSeesEverythingElse = "the host sees all but the crossing move",
+    payloadsBelongToSomething = "no payload outside takeovers and chords",
+    payloadsAreValid = "payloads are valid", payloadsNeedAReadyLink = "payloads need a ready link",
+    oneProbePerLink = "one probe per link, first of all",
+    oneEventIsOnePayload = "one event is one payload, a return two",
+    motionAddsUp = "motion adds up", slamOnlyThroughAnEdge = "a slam only through an edge",
+    takeoversNeedAConnectedDongle = "takeovers need a connected dongle",
+    edgesAreReArmedFirst = "an edge is left once before it counts again",
+    onlyTheUserReturns = "the chord, a push back or stopping end a takeover",
+    modeFollowsTakeover = "the mode follows the takeover",
+    cursorFollowsTakeover = "the cursor follows the takeover",
+    captureFollowsTap = "capture follows the tap",
+    aProfileIsActive = "one of the profiles is active",
+    donglesAreOnlyAppended = "dongles are only appended", settingsAreStored = "settings are stored",
+    panelsFollowTakeovers = "a panel is there for 2.6 s of a takeover";
+} // namespace Invariant
 
 struct Violation {
-    Invariant invariant;
+    std::string_view invariant;
     std::string detail;
 };
 
@@ -57,27 +53,10 @@ public:
 
     std::optional<Violation> violation;
 
-    /// What there was to watch.
-    struct Sights {
-        std::size_t crossings = 0, otherTakeovers = 0; // by a move; by the menu or a hotkey
-        std::size_t chords = 0, pushes = 0, stops = 0; // the ends of takeovers
-        std::int64_t payloads = 0;                     // for events
-        std::int64_t typed = 0;                        // payloads of clipboard typing
-        std::size_t profileChords = 0, panels = 0;
-
-        void operator+=(const Sights& more) {
-            crossings += more.crossings;
-            otherTakeovers += more.otherTakeovers;
-            chords += more.chords;
-            pushes += more.pushes;
-            stops += more.stops;
-            payloads += more.payloads;
-            typed += more.typed;
-            profileChords += more.profileChords;
-            panels += more.panels;
-        }
-    };
-    Sights seen;
+    /// What there was to watch: takeovers, their ends, payloads and more.
+    enum Sight { crossing, otherTakeover, chord, push, stop, payload, typed, profileChord, panel };
+    using Sights = std::array<std::size_t, 9>;
+    Sights seen{};
 
 private:
     using Time = VirtualClock::Nanoseconds;
@@ -114,7 +93,7 @@ private:
     void checkMotion(const TapEvent& event, std::size_t dongle);
     void checkState();
     void checkPanels();
-    void require(bool holds, Invariant invariant, const std::string& detail);
+    void require(bool holds, std::string_view invariant, const std::string& detail);
     double factor(std::size_t dongle) const;
     bool isReady(std::size_t dongle) const;
 

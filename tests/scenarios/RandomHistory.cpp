@@ -255,7 +255,7 @@ std::optional<Breach> breachOf(std::span<const Step> history, Invariants::Target
     return std::nullopt;
 }
 
-History shrunk(History history, Invariant broken, Invariants::Target target) {
+History shrunk(History history, std::string_view broken, Invariants::Target target) {
     const auto stillBreaks = [&](const History& candidate) {
         const auto breach = breachOf(candidate, target);
         return breach && breach->violation.invariant == broken;

@@ -69,7 +69,7 @@ Life live(std::uint64_t seed, std::size_t length,
           Invariants::Target target = Invariants::Target::sound);
 
 /// The smallest history that still breaks the same: taking any step away mends it.
-History shrunk(History history, Invariant broken,
+History shrunk(History history, std::string_view broken,
                Invariants::Target target = Invariants::Target::sound);
 
 /// A scenario with what came of it.

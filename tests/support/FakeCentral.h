@@ -63,7 +63,6 @@ public:
     }
     CentralState state() const override { return power; }
     void scanForPeripherals(const Uuid& service) override {
-        scans.push_back(service);
         if (onRequest) onRequest("scan", service);
     }
 
@@ -76,7 +75,6 @@ public:
     }
 
     void cancelConnection(const PeripheralPtr& peripheral) override {
-        cancelled.push_back(peripheral->identifier());
         if (onRequest) onRequest("cancel", peripheral->identifier());
         if (peripheral->state() == PeripheralState::disconnected) return;
         queue.async([this, peripheral] { drop(peripheral); });
@@ -130,9 +128,7 @@ public:
     MainQueue& queue;
     CentralDelegate* delegate = nullptr;
     CentralState power = CentralState::poweredOn;
-    std::vector<Uuid> scans;
     std::vector<Uuid> attempts;
-    std::vector<Uuid> cancelled;
     std::vector<Write> writes;
     // For who wants to see each of these as it happens.
     std::function<void(const Write&)> onWrite;

@@ -6,8 +6,6 @@
 #include "Platform/ProcessLauncher.h"
 #include "Platform/SystemLog.h"
 
-#include <deque>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,42 +14,27 @@ namespace quenthisar {
 
 class FakeAccessibilityTrust final : public AccessibilityTrust {
 public:
-    bool isProcessTrusted() override {
-        if (answers.empty()) return trusted;
-        const bool answer = answers.front();
-        answers.pop_front();
-        return answer;
-    }
-    void prompt() override {
-        ++prompts;
-        if (onPrompt) onPrompt();
-    }
+    bool isProcessTrusted() override { return trusted; }
+    void prompt() override { ++prompts; }
 
     bool trusted = true;
-    std::deque<bool> answers; // before that
     int prompts = 0;
-    std::function<void()> onPrompt;
 };
 
-/// A login item that registers at once, or fails, or awaits the user's approval.
+/// A login item that registers at once, or fails.
 class FakeLoginItemService final : public LoginItemService {
 public:
     LoginItemStatus status() override { return current; }
-    std::optional<std::string> registerItem() override {
-        return change("register", afterRegistering);
-    }
+    std::optional<std::string> registerItem() override { return change(LoginItemStatus::enabled); }
     std::optional<std::string> unregisterItem() override {
-        return change("unregister", LoginItemStatus::notRegistered);
+        return change(LoginItemStatus::notRegistered);
     }
 
     LoginItemStatus current = LoginItemStatus::notRegistered;
-    LoginItemStatus afterRegistering = LoginItemStatus::enabled;
     std::optional<std::string> error;
-    std::vector<std::string> calls;
 
 private:
-    std::optional<std::string> change(const char* call, LoginItemStatus next) {
-        calls.emplace_back(call);
+    std::optional<std::string> change(LoginItemStatus next) {
         if (!error) current = next;
         return error;
     }
@@ -59,13 +42,9 @@ private:
 
 class FakeProcessLauncher final : public ProcessLauncher {
 public:
-    void launch(ProcessDescription process) override {
-        launched.push_back(std::move(process));
-        if (onLaunch) onLaunch();
-    }
+    void launch(ProcessDescription process) override { launched.push_back(std::move(process)); }
 
     std::vector<ProcessDescription> launched;
-    std::function<void()> onLaunch;
 };
 
 class FakeSystemLog final : public SystemLog {

@@ -64,7 +64,6 @@ public:
     void choose(const MenuItem& item) const { delegate.choose(item); }
 
     int items = 0; // there now
-    std::optional<StatusImage> image;
     MenuDelegate delegate;
     int updates = 0;
 
@@ -72,7 +71,7 @@ private:
     struct Item final : StatusItem {
         explicit Item(FakeStatusBar& owner) : bar(owner) { ++bar.items; }
         ~Item() override { --bar.items; }
-        void setImage(const StatusImage& next) override { bar.image = next; }
+        void setImage(const StatusImage& /*next*/) override {}
         void setMenu(MenuDelegate next) override { bar.delegate = std::move(next); }
         void menuMayHaveChanged() override { ++bar.updates; }
 
@@ -94,7 +93,6 @@ public:
 
     void async(std::function<void()> action) override { waiting.push_back(std::move(action)); }
     bool sleepForTimeInterval(Seconds interval) override {
-        if (onSleep) onSleep();
         clock.advance(std::chrono::round<VirtualClock::Nanoseconds>(interval));
         return !isGoing;
     }
@@ -109,7 +107,6 @@ public:
 
     VirtualClock& clock;
     std::deque<std::function<void()>> waiting;
-    std::function<void()> onSleep;
     bool isGoing = false;
 };
 

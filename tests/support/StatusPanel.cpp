@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "support/StatusPanel.h"
 
-#include <QCoreApplication>
+#include "support/RunUntil.h"
+
 #include <QDBusPendingCall>
 #include <QDBusVariant>
-#include <QDeadlineTimer>
-#include <QTimer>
 
 #include <algorithm>
 
@@ -65,19 +64,8 @@ void StatusPanel::setHost(bool isThere) {
                                                 : u"StatusNotifierHostUnregistered"_s));
 }
 
-bool StatusPanel::waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
-    const QDeadlineTimer deadline(limit);
-    QTimer wakeUp;
-    wakeUp.start(10);
-    while (!done()) {
-        if (deadline.hasExpired()) return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return true;
-}
-
 bool StatusPanel::waitForItem() const {
-    return waitUntil([this] { return !items.isEmpty(); });
+    return test::runUntil([this] { return !items.isEmpty(); });
 }
 
 std::optional<QDBusMessage> StatusPanel::call(const QString& path, const QString& interface,
@@ -88,7 +76,7 @@ std::optional<QDBusMessage> StatusPanel::call(const QString& path, const QString
     message.setArguments(arguments);
     // The item may live in this very thread.
     const auto pending = bus.asyncCall(message);
-    waitUntil([&] { return pending.isFinished(); });
+    test::runUntil([&] { return pending.isFinished(); });
     if (!pending.isFinished() || pending.isError()) return std::nullopt;
     return pending.reply();
 }
@@ -108,7 +96,7 @@ PanelItem StatusPanel::menu(int parent) {
 }
 
 bool StatusPanel::waitForMenu(const std::function<bool(const PanelItem&)>& wanted) {
-    return waitUntil([&] { return wanted(menu()); });
+    return test::runUntil([&] { return wanted(menu()); });
 }
 
 bool StatusPanel::aboutToShow() {

@@ -42,9 +42,6 @@ public:
 
     void setHost(bool isThere);
 
-    /// Runs the event loop until `done` holds; false if it does not in time.
-    static bool waitUntil(const std::function<bool()>& done,
-                          std::chrono::milliseconds limit = std::chrono::seconds(10));
     bool waitForItem() const;
 
     // Of the item that came first; none and empty if it does not answer.

@@ -7,7 +7,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace quenthisar {
 
@@ -19,8 +18,6 @@ public:
     virtual void willPost(const TapEvent&) {}
     virtual void posted(const TapEvent&, TapVerdict) {}
     virtual void wrote(const Write&) {}
-    /// Of the central: "connect" or "cancel".
-    virtual void requested(std::string_view, const Uuid&) {}
     /// The field still holds the takeover before.
     virtual void takeoverWillBe(const std::optional<Takeover>&) {}
     virtual void profileWillBe(const Uuid&) {}

@@ -46,9 +46,6 @@ std::string inWords(const std::optional<Takeover>& takeover) {
 
 } // namespace
 
-World::Core::Core(AppDelegate& launched)
-    : state(launched.state), manager(*launched.dongleManager), controller(*launched.eventTap) {}
-
 World::World(Witness& w) : witness(w) {
     central.onWrite = [this](const Write& write) {
         if (write.type == WriteType::withResponse && !peripheral(index(write.id)).answersProbe)
@@ -60,8 +57,7 @@ World::World(Witness& w) : witness(w) {
         answerProbe(id, "link lost");
     };
     central.onRequest = [this](std::string_view what, const Uuid& id) {
-        if (subscriptions.empty()) return; // the first scan, while the core is made
-        witness.requested(what, id);
+        if (subscriptions.empty()) return; // the first scan, while the program is launched
         const bool ofDongle = index(id) < dongleCount;
         witness.happened(std::string{what} + " asked for" + (ofDongle ? ' ' + dongleName(id) : ""));
     };
@@ -95,22 +91,21 @@ std::string World::dongleName(const Uuid& id) {
     return i < dongleCount ? std::string{static_cast<char>('A' + i)} : id.text();
 }
 
-World::Core& World::core() {
-    if (made) return *made;
+AppDelegate& World::app() {
+    if (delegate) return *delegate;
     if (plugged.empty()) plug("D1", {0, 0, 1920, 1080});
     delegate.emplace(Ports{clock, defaults, displays, taps, *this, trust, central, loginItem, *this,
                            *this, hotkeys, panels, pasteboard, typing, statusBar, windows});
     delegate->applicationDidFinishLaunching();
-    made.emplace(*delegate);
     clock.settle();
-    made->controller.start();
+    delegate->eventTap->start();
     defaults.writes.clear();
     subscribe();
-    return *made;
+    return *delegate;
 }
 
 void World::subscribe() {
-    auto& state = made->state;
+    auto& state = delegate->state;
     const auto keep = [this](auto& field, auto tell) {
         bool current = true; // the first call tells the value that the field has
         subscriptions.push_back(field.subscribe([=, this](const auto& next) mutable {
@@ -166,11 +161,11 @@ void World::arrangeDisplays() {
     displays.list.clear();
     displays.uuids.clear();
     for (const auto& [uuid, frame] : plugged) displays.add(uuid, frame);
-    if (made) displays.changed();
+    if (delegate) displays.changed();
 }
 
 void World::post(const TapEvent& event) {
-    core();
+    app();
     witness.willPost(event);
     witness.posted(event, taps.post(event));
 }
@@ -187,7 +182,7 @@ void World::moveTo(Point location) {
 }
 
 void World::moveBy(std::int64_t dx, std::int64_t dy) {
-    core();
+    app();
     if (!cursorFrozen)
         cursor = {cursor.x + static_cast<double>(dx), cursor.y + static_cast<double>(dy)};
     post({.type = motionType(), .location = cursor, .deltaX = dx, .deltaY = dy});
@@ -235,7 +230,7 @@ void World::mediaKey(std::int64_t keyType, bool down) {
 }
 
 void World::disableTap(EventType why) {
-    core();
+    app();
     if (!taps.hasSource) return;
     taps.notify(why);
     witness.happened(taps.enabled ? "tap enabled again" : "tap disabled");
@@ -250,7 +245,7 @@ FakePeripheral& World::peripheral(std::size_t dongle) {
 }
 
 void World::discover(std::size_t dongle) {
-    core();
+    app();
     central.discover(peripheral(dongle).shared_from_this());
 }
 
@@ -289,7 +284,7 @@ Uuid World::profile(const std::string& name) {
 }
 
 void World::pressHotkey(std::uint32_t keyCode, std::uint32_t modifiers) {
-    core();
+    app();
     hotkeys.press(keyCode, modifiers);
 }
 
@@ -304,7 +299,7 @@ void World::watchPanels() {
 }
 
 void World::sendChord(std::string_view text, std::size_t dongle) {
-    TargetMacro::send(text, dongleID(dongle), core().manager, clock);
+    TargetMacro::send(text, dongleID(dongle), *app().dongleManager, clock);
 }
 
 void World::showWrittenSettings() {

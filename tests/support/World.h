@@ -43,14 +43,8 @@ public:
     /// "A" to "F"; the whole text of an id that is none of theirs.
     static std::string dongleName(const Uuid& id);
 
-    struct Core {
-        explicit Core(AppDelegate& launched);
-        AppState& state;
-        DongleManager& manager;
-        EventTapController& controller;
-    };
-    Core& core();
-    AppState& state() { return core().state; }
+    AppDelegate& app();
+    AppState& state() { return app().state; }
 
     // The host. A display that is plugged in again moves; the first one is the primary.
     void plug(const std::string& uuid, const Rect& frame);
@@ -128,7 +122,6 @@ private:
     FakeStatusBar statusBar;
     FakeConfigWindows windows;
     std::optional<AppDelegate> delegate;
-    std::optional<Core> made;
     std::vector<Subscription> subscriptions;
 };
 

@@ -1,12 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "AppState.h"
 #include "Model/StoredProfiles.h"
-#include "support/FakeDisplays.h"
-#include "support/FakeHost.h"
-#include "support/FakeUserDefaults.h"
-#include "unit/Ids.h"
+#include "unit/Fakes.h"
 
 #include <QApplication>
 #include <QTest>
@@ -21,12 +17,7 @@
 namespace quenthisar {
 
 /// Two displays side by side, two known dongles, one profile.
-struct UiFixture {
-    FakeUserDefaults defaults;
-    FakeDisplays displays;
-    FakeLoginItemService loginItem;
-    FakeProcessLauncher launcher;
-    FakeSystemLog log;
+struct UiFixture : Fakes {
     AppState state{defaults, twoDisplays(), loginItem, launcher, log};
 
     UiFixture() {
@@ -38,11 +29,7 @@ struct UiFixture {
 
     /// What the dongle manager does all the time.
     void publishDongles() {
-        state.dongles.modify([](auto& list) {
-            list.front().state = list.front().state == DongleConnectionState::connected
-                                     ? DongleConnectionState::disconnected
-                                     : DongleConnectionState::connected;
-        });
+        state.dongles.modify([](auto& list) { list.back().name += '+'; });
         settle();
     }
 
@@ -62,15 +49,8 @@ struct UiFixture {
         ASSERT_TRUE(QTest::qWaitForWindowActive(&view, 10'000));
     }
 
-    /// The name of the control that has the keyboard.
-    static std::string focused() {
-        const auto* control = QApplication::focusWidget();
-        return control ? control->accessibleName().toStdString() : "nothing";
-    }
-
 private:
     FakeDisplays& twoDisplays() {
-        displays.add("D1", {0, 0, 1920, 1080});
         displays.add("D2", {1920, 0, 1920, 1080});
         return displays;
     }

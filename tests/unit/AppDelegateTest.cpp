@@ -9,17 +9,7 @@ namespace {
 using namespace std::chrono_literals;
 using Fixture = AppDelegateFixture;
 
-TEST(AppDelegate, CapturesAtLaunchIfItMayAndNeverAgainByItself) {
-    Fixture f;
-    f.launch();
-    EXPECT_TRUE(f.captures());
-    EXPECT_TRUE(*f.delegate->state.axTrusted);
-    f.delegate->eventTap->stop();
-    f.clock.advance(10s);
-    EXPECT_FALSE(f.captures());
-}
-
-TEST(AppDelegate, CapturesOnceTrustIsGrantedAndNotBefore) {
+TEST(AppDelegate, CapturesOnceTrustIsGrantedAndNeverAgainByItself) {
     Fixture f;
     f.trust.trusted = false;
     f.launch();
@@ -31,77 +21,29 @@ TEST(AppDelegate, CapturesOnceTrustIsGrantedAndNotBefore) {
     EXPECT_FALSE(f.captures());
     f.clock.advance(1ms);
     EXPECT_TRUE(f.captures());
-}
-
-TEST(AppDelegate, AsksForTrustAgainBeforeItCaptures) {
-    Fixture f;
-    f.trust.answers = {false, true, true}; // granted in the middle of the launch
-    f.launch();
-    EXPECT_FALSE(*f.state().axTrusted);
-    EXPECT_TRUE(f.captures());
-    f.clock.advance(1s);
     EXPECT_TRUE(*f.state().axTrusted);
-}
-
-TEST(AppDelegate, TriesToCaptureByItselfOnlyOnceEvenIfThatFails) {
-    Fixture f;
-    f.trust.answers = {true, true, false}; // withdrawn in the middle of the launch
-    f.trust.onPrompt = [&] { f.clock.advance(3s); };
-    f.launch();
-    f.clock.advance(3s);
-    EXPECT_EQ(f.trust.prompts, 1);
+    f.delegate->eventTap->stop();
+    f.clock.advance(10s);
     EXPECT_FALSE(f.captures());
-}
-
-TEST(AppDelegate, PublishesTrustAtLaunchAndThenOnlyWhenItChanges) {
-    Fixture f;
     f.trust.trusted = false;
-    f.create(false);
-    int assignments = -1; // the subscription delivers the current value
-    const auto stream = f.state().axTrusted.subscribe([&](bool) { ++assignments; });
-    f.finishLaunching();
-    EXPECT_EQ(assignments, 1) << "the same as before";
-    f.clock.advance(5s);
-    EXPECT_EQ(assignments, 1);
-    f.trust.trusted = true;
-    f.clock.advance(5s);
-    EXPECT_EQ(assignments, 2);
-    f.trust.trusted = false;
-    f.clock.advance(5s);
-    EXPECT_EQ(assignments, 3);
-    EXPECT_FALSE(*f.delegate->state.axTrusted);
-    EXPECT_FALSE(f.captures());
-}
-
-TEST(AppDelegate, FollowsTheDisplays) {
-    Fixture f;
-    f.launch(false);
-    f.displays.add("D2", {1920, 0, 800, 600});
-    f.displays.changed();
-    EXPECT_EQ(f.delegate->state.screens->size(), 2U);
-}
-
-TEST(AppDelegate, OpensItsOneWindowAtLaunchAndWheneverItIsAsked) {
-    Fixture f;
-    f.launch();
-    EXPECT_EQ(f.windows.shown, 1);
-    f.delegate->showWindow();
-    EXPECT_EQ(f.windows.shown, 2);
-    EXPECT_EQ(f.windows.actions.size(), 1U) << "made once";
+    f.clock.advance(1s);
+    EXPECT_FALSE(*f.state().axTrusted);
 }
 
 TEST(AppDelegate, TheWindowReachesTheManagers) {
     Fixture f;
     f.launch(false);
     f.discover({A});
-    const auto actions = f.windows.actions.at(0);
+    f.delegate->showWindow();
+    EXPECT_EQ(f.windows.shown, 2) << "at the launch and now";
+    ASSERT_EQ(f.windows.actions.size(), 1U) << "made once";
+    const auto actions = f.windows.actions[0];
     actions.connect(A);
     f.clock.settle();
     EXPECT_EQ(f.state().dongle(A)->state, DongleConnectionState::connected);
-    f.central.writes.clear();
     actions.identify(A);
     f.clock.advance(1s);
-    EXPECT_FALSE(f.sent(A).empty());
+    EXPECT_EQ(f.sent(A).size(), 30U);
     actions.disconnect(A);
     f.clock.settle();
     EXPECT_EQ(f.state().dongle(A)->state, DongleConnectionState::disconnected);
@@ -109,27 +51,42 @@ TEST(AppDelegate, TheWindowReachesTheManagers) {
     f.trust.trusted = false;
     actions.toggleCapture(true);
     EXPECT_FALSE(f.captures());
-    EXPECT_EQ(f.trust.prompts, 1);
     actions.promptAX();
     EXPECT_EQ(f.trust.prompts, 2);
-    f.trust.trusted = true;
-    actions.toggleCapture(true);
-    EXPECT_TRUE(f.captures());
-    actions.toggleCapture(false);
-    EXPECT_FALSE(f.captures());
-
-    f.delegate.reset();
-    actions.connect(A);
-    actions.toggleCapture(true);
 }
 
 TEST(AppDelegate, LeavesNothingBehindThatCallsIt) {
     Fixture f;
     f.launch();
+    f.bringUp(A);
+    f.state().autoConnect = true;
+    f.state().setBinding("D1", Edge::left, A);
+    f.pasteboard.text = "abc";
+    f.delegate->pasteMenu();
+    f.delegate->dongleManager->identify(A);
+    f.delegate->eventTap->takeOver(A);
+    f.clock.settle();
+    ASSERT_EQ(f.panels.shown(), 1);
+    f.central.drop(f.dongles[A]);
+    f.central.attempts.clear();
+    const auto actions = f.windows.actions.at(0);
+    const auto menu = f.statusBar.delegate;
+
     f.delegate.reset();
-    f.clock.advance(5s);
+    f.typing.run();
+    f.clock.advance(60s);
     f.displays.changed();
+    for (const auto& [combination, identity] : f.hotkeys.registered) f.hotkeys.handler(identity);
+    actions.connect(A);
+    actions.toggleCapture(true);
+    Menu items;
+    menu.menuNeedsUpdate(items);
+    menu.choose({.action = MenuAction::pasteMenu});
     EXPECT_FALSE(f.taps.isDelivering());
+    EXPECT_EQ(f.statusBar.items, 0);
+    EXPECT_EQ(f.panels.made[0]->fades.size(), 1U) << "its end belongs to nobody";
+    EXPECT_TRUE(f.central.attempts.empty());
+    EXPECT_TRUE(f.sent(A).empty());
 }
 
 } // namespace

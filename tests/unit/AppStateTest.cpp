@@ -2,165 +2,129 @@
 #include "AppState.h"
 
 #include "Model/StoredProfiles.h"
-#include "support/FakeDisplays.h"
-#include "support/FakeHost.h"
-#include "support/FakeUserDefaults.h"
-#include "unit/Ids.h"
+#include "unit/Fakes.h"
 
 #include <gtest/gtest.h>
 
 namespace quenthisar {
 namespace {
 
+using Texts = std::vector<std::string>;
+
 const Uuid P = *Uuid::parse("00000000-0000-4000-8000-0000000000F1");
 const Uuid Q = *Uuid::parse("00000000-0000-4000-8000-0000000000F2");
+const Uuid R = *Uuid::parse("00000000-0000-4000-8000-0000000000F3");
 
-struct Fixture {
-    FakeUserDefaults defaults;
-    FakeDisplays displays;
-    FakeLoginItemService loginItem;
-    FakeProcessLauncher launcher;
-    FakeSystemLog log;
-
-    Fixture() { displays.add("D1", {0, 0, 1920, 1080}); }
-
-    void storeProfiles(const std::vector<Profile>& profiles) {
-        defaults.storeData("profiles", encodeProfiles(profiles).value());
-    }
-
-    AppState load() { return AppState(defaults, displays, loginItem, launcher, log); }
-};
-
-DefaultsDictionary texts(std::initializer_list<std::pair<const char*, const char*>> entries) {
+DefaultsDictionary texts(std::initializer_list<std::pair<std::string, const char*>> entries) {
     DefaultsDictionary dictionary;
     for (const auto& [key, text] : entries) dictionary[key] = {std::string{text}};
     return dictionary;
 }
 
-TEST(AppState, StartsWithOneDefaultProfileThatIsStored) {
-    Fixture f;
-    const AppState state = f.load();
-    ASSERT_EQ(state.profiles->size(), 1U);
-    EXPECT_EQ(state.activeProfile(),
-              (Profile{state.profiles->front().id, "Default", {}, "", "", ""}));
-    EXPECT_EQ(*state.activeProfileID, state.profiles->front().id);
-    EXPECT_EQ(decodeProfiles(f.defaults.data("profiles")), *state.profiles);
-    EXPECT_EQ(f.defaults.writes,
-              (std::vector<std::string>{"profiles", "cornerSlam", "autoConnect", "autoCapture",
-                                        "hudEnabled", "allowSharedEdges"}))
-        << "no active profile yet, and nothing of the host's";
-    for (const char* key : {"cornerSlam", "autoConnect", "autoCapture", "allowSharedEdges"})
-        EXPECT_EQ(valueOf<bool>(f.defaults, key), false) << key;
-    EXPECT_EQ(valueOf<bool>(f.defaults, "hudEnabled"), true);
-    EXPECT_EQ(*state.activeMode, "Local");
-    EXPECT_EQ(*state.bluetoothState, "Unknown");
-    ASSERT_EQ(state.screens->size(), 1U);
-    EXPECT_EQ(state.screens->front().uuid, "D1");
-}
+struct AppStateTest : testing::Test, Fakes {
+    AppState load() { return AppState(defaults, displays, loginItem, launcher, log); }
 
-TEST(AppState, TakesFlatBindingsOnlyWhenNoProfileListIsReadable) {
-    const auto flat =
-        texts({{"left|D1", "00000000-0000-4000-8000-00000000aaaa"}, {"top|D1", "nonsense"}});
-    for (const char* unreadable : {"", "[]", "{}", R"([{"name":"no id"}])"}) {
-        Fixture f;
-        f.defaults.storeData("profiles", unreadable);
-        f.defaults.store("edgeBindings", flat);
-        EXPECT_EQ(f.load().activeProfile().bindings, (Bindings{{"left|D1", A}})) << unreadable;
-        EXPECT_EQ(f.defaults.values["edgeBindings"].value, decltype(DefaultsValue::value){flat});
+    /// With three profiles, of which P is active.
+    AppState loadThree() {
+        const std::vector<Profile> three{{P, "P", {}, "on", "off", ""}, {Q, "Q"}, {R, "R"}};
+        defaults.storeData("profiles", encodeProfiles(three).value());
+        return load();
     }
-    Fixture f;
-    f.storeProfiles({{P, "Stored", {}, "", "", ""}});
-    f.defaults.store("edgeBindings", flat);
-    EXPECT_EQ(f.load().activeProfile(), (Profile{P, "Stored", {}, "", "", ""}));
+    std::vector<Profile> stored() const {
+        return decodeProfiles(defaults.data("profiles")).value();
+    }
+};
+
+TEST_F(AppStateTest, StartsWithOneDefaultProfileThatIsStored) {
+    const AppState state = load();
+    const auto id = *state.activeProfileID;
+    EXPECT_EQ(*state.profiles, (std::vector<Profile>{{id, "Default", {}, "", "", ""}}));
+    EXPECT_EQ(stored(), *state.profiles);
+    EXPECT_EQ(defaults.writes, (Texts{"profiles", "cornerSlam", "autoConnect", "autoCapture",
+                                      "hudEnabled", "allowSharedEdges"}))
+        << "no active profile yet, and nothing of the host's";
+    EXPECT_TRUE(*state.hudEnabled);
+    for (const auto* off : {&state.cornerSlam, &state.autoConnect, &state.autoCapture})
+        EXPECT_FALSE(**off);
 }
 
-TEST(AppState, OneFlatBindingThatIsNoTextRejectsThemAll) {
-    Fixture f;
-    auto flat = texts({{"left|D1", "00000000-0000-4000-8000-00000000AAAA"}});
-    flat["top|D1"] = {7.0};
-    f.defaults.store("edgeBindings", flat);
-    EXPECT_EQ(f.load().activeProfile().bindings, Bindings{});
+TEST_F(AppStateTest, TakesFlatBindingsOnlyWhenNoProfileListIsReadable) {
+    auto flat = texts({{"left|D1", "00000000-0000-4000-8000-00000000aaaa"}, {"top|D1", "no id"}});
+    defaults.store("edgeBindings", flat);
+    for (const char* unreadable : {"", "[]", "{}", R"([{"name":"no id"}])"}) {
+        defaults.storeData("profiles", unreadable);
+        EXPECT_EQ(load().activeProfile().bindings, (Bindings{{"left|D1", A}})) << unreadable;
+    }
+    EXPECT_TRUE(loadThree().activeProfile().bindings.empty());
+
+    defaults.storeData("profiles", "");
+    flat["top|D1"] = {7.0}; // no text: rejects them all
+    defaults.store("edgeBindings", flat);
+    EXPECT_EQ(load().activeProfile().bindings, Bindings{});
 }
 
-TEST(AppState, ActivatesTheStoredProfileIfItStillExists) {
-    Fixture f;
-    f.storeProfiles({{P, "First", {}, "", "", ""}, {Q, "Second", {}, "", "", ""}});
-    f.defaults.store("activeProfile", Q.text());
-    EXPECT_EQ(f.load().activeProfile().name, "Second");
-    f.defaults.store("activeProfile", A.text());
-    EXPECT_EQ(f.load().activeProfile().name, "First");
-    f.defaults.store("activeProfile", true);
-    EXPECT_EQ(f.load().activeIndex(), 0U);
-}
-
-TEST(AppState, AWrongValueSpoilsItsDictionaryAndAWrongKeyOnlyItsEntry) {
-    Fixture f;
+TEST_F(AppStateTest, ReadsWhatIsStoredAsFarAsItMakesSense) {
     DefaultsDictionary numbers;
     numbers[A.text()] = {1.5};
     numbers["nonsense"] = {2.0};
-    f.defaults.store("sensitivities", numbers);
-    f.defaults.store("dongleNicknames", texts({{A.text().c_str(), " Desk "}, {"x", "y"}}));
-    EXPECT_EQ(*f.load().sensitivities, (std::map<Uuid, double>{{A, 1.5}}));
-    EXPECT_EQ(*f.load().nicknames, (std::map<Uuid, std::string>{{A, " Desk "}}));
+    defaults.store("sensitivities", numbers);
+    defaults.store("dongleNicknames", texts({{A.text(), " Desk "}, {"x", "y"}}));
+    defaults.store("hudEnabled", false);
+    EXPECT_EQ(*load().sensitivities, (std::map<Uuid, double>{{A, 1.5}}));
+    EXPECT_EQ(*load().nicknames, (std::map<Uuid, std::string>{{A, " Desk "}}));
+    EXPECT_FALSE(*load().hudEnabled);
 
-    numbers["nonsense"] = {std::string{"2.0"}};
-    f.defaults.store("sensitivities", numbers);
-    EXPECT_TRUE(f.load().sensitivities->empty());
+    numbers["nonsense"] = {std::string{"2.0"}}; // spoils its dictionary
+    defaults.store("sensitivities", numbers);
+    defaults.store("hudEnabled", std::string{"false"});
+    EXPECT_TRUE(load().sensitivities->empty());
+    EXPECT_TRUE(*load().hudEnabled);
+    EXPECT_EQ(valueOf<bool>(defaults, "hudEnabled"), true) << "written back";
 }
 
-TEST(AppState, ReadsBooleanSettingsOnlyFromBooleans) {
-    Fixture f;
-    f.defaults.store("hudEnabled", false);
-    f.defaults.store("autoConnect", true);
-    EXPECT_FALSE(*f.load().hudEnabled);
-    EXPECT_TRUE(*f.load().autoConnect);
-    f.defaults.store("hudEnabled", std::string{"false"});
-    EXPECT_TRUE(*f.load().hudEnabled);
-    EXPECT_EQ(valueOf<bool>(f.defaults, "hudEnabled"), true) << "written back";
+TEST_F(AppStateTest, ActivatesTheStoredProfileIfItStillExists) {
+    using Value = decltype(DefaultsValue::value);
+    for (const auto& [value, name] :
+         {std::pair{Value{Q.text()}, "Q"}, {A.text(), "P"}, {true, "P"}}) {
+        defaults.store("activeProfile", value);
+        EXPECT_EQ(loadThree().activeProfile().name, name);
+    }
 }
 
-TEST(AppState, StoresASettingAtEachAssignmentAfterTheFieldChanged) {
-    Fixture f;
-    AppState state = f.load();
-    f.defaults.writes.clear();
+TEST_F(AppStateTest, TheActiveProfileCanBeDeletedAndTheLastOneCannot) {
+    AppState state = loadThree();
+    state.switchProfile(Q);
+    launcher.launched.clear();
+    defaults.writes.clear();
+    state.deleteProfile(Q);
+    EXPECT_EQ(*state.activeProfileID, P);
+    EXPECT_EQ(defaults.writes, Texts{"profiles"}) << "no choice is stored";
+    EXPECT_TRUE(launcher.launched.empty());
+    EXPECT_EQ(stored(), *state.profiles);
+    state.deleteProfile(state.profiles->front().id); // an id of the list that is replaced
+    state.deleteProfile(R);
+    ASSERT_EQ(state.profiles->size(), 1U);
+    EXPECT_EQ(state.activeProfile().id, R);
+
+    state.profiles = {{P, "P"}, {P, "stored twice"}};
+    state.deleteProfile(P);
+    EXPECT_EQ(state.profiles->size(), 2U);
+}
+
+TEST_F(AppStateTest, ProfilesAreChangedOneByOneAndStored) {
+    AppState state = loadThree();
+    defaults.writes.clear();
     int changes = 0;
-    const auto subscription = state.objectWillChange.subscribe([&] { ++changes; });
-    state.cornerSlam = true;
-    state.cornerSlam = true;
-    state.captureEnabled = true;
-    EXPECT_EQ(f.defaults.writes, (std::vector<std::string>{"cornerSlam", "cornerSlam"}));
-    EXPECT_EQ(changes, 3);
-}
-
-TEST(AppState, NamesDonglesByNicknameElseByNameAndTheEndOfTheirId) {
-    Fixture f;
-    f.defaults.store("dongleNicknames",
-                     texts({{A.text().c_str(), "Desk BLE"}, {B.text().c_str(), ""}}));
-    AppState state = f.load();
-    EXPECT_EQ(state.displayName(A), "Desk BLE");
-    EXPECT_EQ(state.displayName(B), "Zandrovelkin (BBBB)");
-    state.dongles = {{B, " BLE Two BLE BLEx", DongleConnectionState::connected}};
-    EXPECT_EQ(state.displayName(B), " Twox (BBBB)");
-}
-
-TEST(AppState, LooksUpBindingsInTheActiveProfileButKnowsThoseOfAll) {
-    Fixture f;
-    f.storeProfiles({{P, "First", {{"left|D1", A}}, "", "", ""},
-                     {Q, "Second", {{"left|D1", B}, {"top|D2", B}}, "", "", ""}});
-    f.defaults.store("activeProfile", Q.text());
-    const AppState state = f.load();
-    EXPECT_EQ(state.dongleID("D1", Edge::left), B);
-    EXPECT_EQ(state.dongleID("D1", Edge::right), std::nullopt);
-    EXPECT_EQ(state.configuredDongleIDs(), (std::set<Uuid>{A, B}));
-}
-
-TEST(AppState, KeepsTheStoredListWhenATextIsNoUtf8) {
-    Fixture f;
-    AppState state = f.load();
-    const auto stored = f.defaults.data("profiles");
-    state.profiles.modify([](auto& profiles) { profiles.front().name = "\xFF"; });
-    state.saveProfiles();
-    EXPECT_EQ(f.defaults.data("profiles"), stored);
+    const auto signal = state.objectWillChange.subscribe([&] { ++changes; });
+    state.renameProfile(P, "");
+    state.renameProfile(A, "nobody");
+    EXPECT_TRUE(defaults.writes.empty());
+    state.renameProfile(P, "  ");
+    state.updateProfile(P, [](Profile& p) { p.targetCommand = "cmd+l "; });
+    EXPECT_EQ(changes, 2);
+    EXPECT_EQ(stored()[0], (Profile{P, "  ", {}, "on", "off", "cmd+l "}));
+    state.renameProfile(P, "\xFF"); // no UTF-8: cannot be stored
+    EXPECT_EQ(stored()[0].name, "  ");
 }
 
 } // namespace

@@ -2,43 +2,20 @@
 #pragma once
 
 #include "Capture/EventTapController.h"
-#include "support/FakeCentral.h"
-#include "support/FakeDisplays.h"
-#include "support/FakeEventTaps.h"
-#include "support/FakeHost.h"
-#include "support/FakeUserDefaults.h"
-#include "support/VirtualClock.h"
-#include "unit/Ids.h"
-#include "unit/Payloads.h"
-
-#include <memory>
-#include <vector>
+#include "unit/Fakes.h"
 
 namespace quenthisar {
 
-/// One display D1 of 1920 x 1080 and two connected dongles A and B, none bound; capture runs.
-struct TakeoverFixture {
-    VirtualClock clock;
-    FakeUserDefaults defaults;
-    FakeDisplays displays;
-    FakeCentral central{clock};
-    FakeLoginItemService loginItem;
-    FakeProcessLauncher launcher;
-    FakeSystemLog log;
-    FakeEventTaps taps;
-    AppState state;
-    DongleManager manager;
-    EventTapController controller;
-    std::map<Uuid, std::shared_ptr<FakePeripheral>> dongles;
+/// Two connected dongles A and B, none bound; capture runs.
+struct TakeoverFixture : Fakes {
+    AppState state{defaults, displays, loginItem, launcher, log};
+    DongleManager manager{state, central, clock, log};
+    EventTapController controller{state, manager, taps, taps};
 
-    TakeoverFixture()
-        : state(defaults, oneDisplay(), loginItem, launcher, log),
-          manager(state, central, clock, log), controller(state, manager, taps, taps) {
-        for (const auto& id : {A, B}) {
-            dongles[id] = central.add(id, DongleManager::serviceUUID, DongleManager::inputCharUUID);
-            central.discover(dongles[id]);
-            manager.connect(id);
-        }
+    TakeoverFixture() {
+        discover({A, B});
+        manager.connect(A);
+        manager.connect(B);
         clock.settle();
         central.writes.clear();
         controller.start();
@@ -65,30 +42,21 @@ struct TakeoverFixture {
 
     TapVerdict post(EventType type) { return taps.post({.type = type}); }
 
-    TapVerdict key(EventType type, std::int64_t code, std::uint64_t flags = 0) {
-        return taps.post({.type = type, .flags = flags, .keyCode = code});
+    TapVerdict key(EventType type, std::int64_t code) {
+        return taps.post({.type = type, .keyCode = code});
     }
 
     TapVerdict flags(std::uint64_t flags) {
         return taps.post({.type = EventType::flagsChanged, .flags = flags});
     }
 
-    TapVerdict mediaKey(std::int64_t keyType, int keyState, std::int16_t subtype = 8) {
+    TapVerdict mediaKey(std::int64_t keyType, int keyState) {
         return taps.post({.type = EventType::systemDefined,
-                          .subtype = subtype,
+                          .subtype = 8,
                           .data1 = keyType << 16 | keyState << 8});
     }
 
     bool isRemote() const { return state.takeover->has_value(); }
-
-    /// What went to a dongle since the last call.
-    Payloads sent(const Uuid& id = A) { return central.takePayloads(id); }
-
-private:
-    Displays& oneDisplay() {
-        displays.add("D1", {0, 0, 1920, 1080});
-        return displays;
-    }
 };
 
 } // namespace quenthisar
