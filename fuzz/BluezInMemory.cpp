@@ -9,9 +9,9 @@ fuzz::BluezInMemory& fuzz::BluezInMemory::current() {
     return one;
 }
 
-BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& theFollower, Reopen whenLost)
-    : connection(std::move(bus)), follower(theFollower), reopen(std::move(whenLost)),
-      picture(theFollower) {
+BluezDaemon::BluezDaemon(const Bus& bus, BluezFollower& theFollower)
+    : follower(theFollower), picture(theFollower), lastingBus(
+                                                       bus, [] {}, [] {}) {
     auto& stage = fuzz::BluezInMemory::current();
     stage = {};
     stage.picture = &picture;
@@ -60,6 +60,5 @@ void BluezDaemon::nameOwnerChanged(const QDBusMessage& /*signal*/) {}
 void BluezDaemon::interfacesAdded(const QDBusMessage& /*signal*/) {}
 void BluezDaemon::interfacesRemoved(const QDBusMessage& /*signal*/) {}
 void BluezDaemon::propertiesChanged(const QDBusMessage& /*signal*/) {}
-void BluezDaemon::busLost() {}
 
 } // namespace quenthisar

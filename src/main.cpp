@@ -181,7 +181,7 @@ int main(int count, char** argv) {
     Panels panels(space);
     XPasteboard pasteboard;
     QtSerialQueue typingQueue;
-    TrayStatusBar statusBar(QDBusConnection::sessionBus(), drawTemplate);
+    TrayStatusBar statusBar(Bus::session(), drawTemplate);
     Windows windows;
 
     AppDelegate delegate({queue, defaults, displays, taps, cursor, trust, central, loginItem,

@@ -47,19 +47,10 @@ bool isOnTheAir(const QVariantMap& device) {
     return device.contains(u"RSSI"_s) || device.value(u"Connected"_s).toBool();
 }
 
-/// The toolkit's own stays lost.
-QDBusConnection systemBusAnew() {
-    const auto name = u"quenthisar-bluetooth"_s;
-    QDBusConnection::disconnectFromBus(name);
-    return QDBusConnection::connectToBus(QDBusConnection::SystemBus, name);
-}
-
 } // namespace
 
-BluezCentral::BluezCentral() : BluezCentral(QDBusConnection::systemBus(), systemBusAnew) {}
-
-BluezCentral::BluezCentral(QDBusConnection bus, BluezDaemon::Reopen reopen)
-    : daemon(std::move(bus), *this, std::move(reopen)),
+BluezCentral::BluezCentral(const Bus& bus)
+    : daemon(bus, *this),
       agent(
           daemon.bus(), agentPath,
           [this](const QDBusMessage& call) { return daemon.isFromDaemon(call); },

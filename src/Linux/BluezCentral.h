@@ -24,10 +24,9 @@ namespace quenthisar {
 /// The first powered adapter counts; another takes its place when it goes. Needs Qt's event loop.
 class BluezCentral final : public Central, private BluezFollower, private BluezLinkObserver {
 public:
-    /// The system bus, which DBUS_SYSTEM_BUS_ADDRESS may name.
-    BluezCentral();
-    /// One that does not come back when it is lost, unless there is a way to reopen it.
-    explicit BluezCentral(QDBusConnection bus, BluezDaemon::Reopen reopen = {});
+    /// On the system bus.
+    BluezCentral() : BluezCentral(Bus::system()) {}
+    explicit BluezCentral(const Bus& bus);
 
     void setDelegate(CentralDelegate* next) override;
     CentralState state() const override { return currentState; }

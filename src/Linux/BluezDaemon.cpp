@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/BluezDaemon.h"
 
+#include "Linux/BusCall.h"
+
 #include <QDBusArgument>
-#include <QDBusPendingCallWatcher>
 
 #include <limits>
 #include <utility>
@@ -17,7 +18,7 @@ constexpr QLatin1String busService{"org.freedesktop.DBus"};
 constexpr QLatin1String objectManager{"org.freedesktop.DBus.ObjectManager"};
 constexpr QLatin1String propertiesInterface{"org.freedesktop.DBus.Properties"};
 constexpr QLatin1String accessDenied{"org.freedesktop.DBus.Error.AccessDenied"};
-constexpr std::chrono::seconds readAgain{1}, reopenAgain{1};
+constexpr std::chrono::seconds readAgain{1};
 constexpr std::chrono::seconds askAgainWhenDenied{5};
 
 template <class Value>
@@ -27,15 +28,18 @@ Value argument(const QDBusMessage& message, qsizetype index) {
 
 } // namespace
 
-BluezDaemon::BluezDaemon(QDBusConnection bus, BluezFollower& follower, Reopen reopen)
-    : connection(std::move(bus)), follower(follower), reopen(std::move(reopen)), picture(follower) {
-    if (connection.isConnected())
+BluezDaemon::BluezDaemon(const Bus& bus, BluezFollower& follower)
+    : follower(follower), picture(follower),
+      lastingBus(
+          bus, [this] { forget(Presence::gone); }, [this] { listen(); }) {
+    if (lastingBus.connection().isConnected())
         listen();
     else
         currentPresence = Presence::absent;
 }
 
 void BluezDaemon::listen() {
+    auto& connection = lastingBus.connection();
     // No service name in the daemon's signals: Qt would wait for the bus to tell its owner. Their
     // sender is checked instead.
     connection.connect(busService, u"/org/freedesktop/DBus"_s, busService, u"NameOwnerChanged"_s,
@@ -47,8 +51,6 @@ void BluezDaemon::listen() {
     for (const auto& interface : {Bluez::adapter, Bluez::device})
         connection.connect(QString(), QString(), propertiesInterface, u"PropertiesChanged"_s,
                            {interface}, QString(), this, SLOT(propertiesChanged(QDBusMessage)));
-    connection.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
-                       u"Disconnected"_s, this, SLOT(busLost()));
 
     auto ask = QDBusMessage::createMethodCall(busService, u"/org/freedesktop/DBus"_s, busService,
                                               u"GetNameOwner"_s);
@@ -64,12 +66,7 @@ void BluezDaemon::listen() {
 
 void BluezDaemon::asyncCall(const QDBusMessage& message, Limit limit, Answer answer) {
     const int milliseconds = limit == Limit::none ? std::numeric_limits<int>::max() : -1;
-    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(message, milliseconds), this);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                     [watcher, answer = std::move(answer)] {
-                         watcher->deleteLater();
-                         answer(watcher->reply());
-                     });
+    BusCall::send(lastingBus.connection(), message, this, std::move(answer), milliseconds);
 }
 
 void BluezDaemon::call(const QString& path, const QString& interface, const QString& method,
@@ -115,22 +112,6 @@ void BluezDaemon::nameOwnerChanged(const QDBusMessage& signal) {
     const auto next = signal.arguments().at(2).toString();
     if (!previous.isEmpty()) forget(Presence::gone);
     if (!next.isEmpty()) follow(next);
-}
-
-void BluezDaemon::busLost() {
-    forget(Presence::gone);
-    reopenLater();
-}
-
-void BluezDaemon::reopenLater() {
-    if (!reopen) return;
-    ownQueue.after(reopenAgain, [this] {
-        connection = reopen();
-        if (connection.isConnected())
-            listen();
-        else
-            reopenLater();
-    });
 }
 
 void BluezDaemon::follow(const QString& nextOwner) {

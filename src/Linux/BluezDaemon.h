@@ -2,9 +2,9 @@
 #pragma once
 
 #include "Linux/BluezPicture.h"
+#include "Linux/LastingBus.h"
 #include "Linux/QtMainQueue.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QObject>
 #include <QVariantList>
@@ -31,11 +31,7 @@ public:
     enum class Limit { usual, none };
     using Answer = std::function<void(const QDBusMessage&)>;
 
-    /// Connects to the bus anew.
-    using Reopen = std::function<QDBusConnection()>;
-
-    /// Without `reopen`, a bus that is lost does not come back.
-    BluezDaemon(QDBusConnection bus, BluezFollower& follower, Reopen reopen = {});
+    BluezDaemon(const Bus& bus, BluezFollower& follower);
 
     Presence presence() const { return currentPresence; }
     /// By object path; empty unless the daemon is present.
@@ -51,30 +47,27 @@ public:
     /// For what must not happen at once. Its actions end with this object.
     MainQueue& queue() { return ownQueue; }
     bool isFromDaemon(const QDBusMessage& message) const;
-    QDBusConnection bus() const { return connection; }
+    QDBusConnection bus() const { return lastingBus.connection(); }
 
 private:
     Q_SLOT void nameOwnerChanged(const QDBusMessage& signal);
     Q_SLOT void interfacesAdded(const QDBusMessage& signal);
     Q_SLOT void interfacesRemoved(const QDBusMessage& signal);
     Q_SLOT void propertiesChanged(const QDBusMessage& signal);
-    Q_SLOT void busLost();
 
     void listen();
-    void reopenLater();
     void follow(const QString& nextOwner);
     void forget(Presence next);
     void deny(const QString& denier);
     void read();
     void asyncCall(const QDBusMessage& message, Limit limit, Answer answer);
 
-    QDBusConnection connection;
     BluezFollower& follower;
-    Reopen reopen;
     Presence currentPresence = Presence::unknown;
     QString owner; // the daemon's unique name
     int denials = 0;
     BluezPicture picture;
+    LastingBus lastingBus;
     QtMainQueue ownQueue; // last, so that it goes first
 };
 

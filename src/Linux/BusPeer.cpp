@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/BusPeer.h"
 
-#include <QDBusPendingCallWatcher>
-
 #include <utility>
 
 namespace quenthisar {
@@ -16,19 +14,25 @@ constexpr QLatin1String propertiesInterface{"org.freedesktop.DBus.Properties"};
 
 } // namespace
 
-BusPeer::BusPeer(QDBusConnection bus, const QString& name, std::function<void()> changed)
-    : connection(std::move(bus)), ownerChanged(std::move(changed)) {
-    if (!connection.isConnected()) return;
+BusPeer::BusPeer(const Bus& theBus, const QString& itsName, std::function<void()> changed)
+    : name(itsName), ownerChanged(std::move(changed)),
+      bus(
+          theBus, [this] { setOwner({}); }, [this] { listen(); }) {
+    if (bus.connection().isConnected()) listen();
+}
+
+void BusPeer::listen() {
+    isKnown = false;
     // Signals are asked for without a sender's name: Qt would wait for the bus to tell its owner.
-    connection.connect(busService, u"/org/freedesktop/DBus"_s, busService, u"NameOwnerChanged"_s,
-                       {name}, QString(), this, SLOT(nameOwnerChanged(QDBusMessage)));
-    connection.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
-                       u"Disconnected"_s, this, SLOT(busLost()));
+    bus.connection().connect(busService, u"/org/freedesktop/DBus"_s, busService,
+                             u"NameOwnerChanged"_s, {name}, QString(), this,
+                             SLOT(nameOwnerChanged(QDBusMessage)));
+    for (const auto& each : subscriptions) connectTo(each);
 
     auto ask = QDBusMessage::createMethodCall(busService, u"/org/freedesktop/DBus"_s, busService,
                                               u"GetNameOwner"_s);
     ask << name;
-    asyncCall(ask, [this](const QDBusMessage& reply) {
+    BusCall::send(bus.connection(), ask, this, [this](const QDBusMessage& reply) {
         if (isKnown) return; // a change came first
         if (reply.type() == QDBusMessage::ReplyMessage && reply.signature() == "s"_L1)
             setOwner(reply.arguments().at(0).toString());
@@ -38,16 +42,13 @@ BusPeer::BusPeer(QDBusConnection bus, const QString& name, std::function<void()>
 void BusPeer::subscribe(const QString& path, const QString& interface, const QString& signal,
                         QObject* receiver, const char* slot, const QString& firstArgument) {
     const auto match = firstArgument.isEmpty() ? QStringList{} : QStringList{firstArgument};
-    connection.connect(QString(), path, interface, signal, match, QString(), receiver, slot);
+    subscriptions.push_back({path, interface, signal, match, receiver, slot});
+    connectTo(subscriptions.back());
 }
 
-void BusPeer::asyncCall(const QDBusMessage& message, Answer answer) {
-    auto* watcher = new QDBusPendingCallWatcher(connection.asyncCall(message), this);
-    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, this,
-                     [watcher, answer = std::move(answer)] {
-                         watcher->deleteLater();
-                         answer(watcher->reply());
-                     });
+void BusPeer::connectTo(const Subscription& each) {
+    bus.connection().connect(QString(), each.path, each.interface, each.signal, each.match,
+                             QString(), each.receiver, each.slot);
 }
 
 void BusPeer::call(const QString& path, const QString& interface, const QString& method,
@@ -56,10 +57,10 @@ void BusPeer::call(const QString& path, const QString& interface, const QString&
     auto message = QDBusMessage::createMethodCall(owner, path, interface, method);
     message.setAutoStartService(false);
     message.setArguments(arguments);
-    asyncCall(message,
-              [this, asked = owner, answer = std::move(answer)](const QDBusMessage& reply) {
-                  if (owner == asked) answer(reply);
-              });
+    BusCall::send(bus.connection(), message, this,
+                  [this, asked = owner, answer = std::move(answer)](const QDBusMessage& reply) {
+                      if (owner == asked) answer(reply);
+                  });
 }
 
 void BusPeer::get(const QString& path, const QString& interface, const QString& property,
@@ -75,10 +76,6 @@ void BusPeer::nameOwnerChanged(const QDBusMessage& signal) {
     if (signal.signature() != "sss"_L1) return;
     setOwner({});
     setOwner(signal.arguments().at(2).toString());
-}
-
-void BusPeer::busLost() {
-    setOwner({});
 }
 
 void BusPeer::setOwner(const QString& next) {

@@ -1,25 +1,28 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDBusConnection>
+#include "Linux/BusCall.h"
+#include "Linux/LastingBus.h"
+
 #include <QDBusMessage>
 #include <QObject>
 
 #include <functional>
+#include <vector>
 
 namespace quenthisar {
 
-/// A service on a bus, by its well-known name, as its owner comes and goes. It is never started
-/// from here, and nothing waits for it. Main thread.
+/// A service on a bus, by its well-known name, as its owner comes and goes, and the bus itself. It
+/// is never started from here, and nothing waits for it. Main thread.
 class BusPeer final : public QObject {
     Q_OBJECT
 
 public:
-    using Answer = std::function<void(const QDBusMessage&)>;
+    using Answer = BusCall::Answer;
 
     /// `ownerChanged` is called later: when the service is found, and after each change. A service
     /// that is replaced goes before it comes.
-    BusPeer(QDBusConnection bus, const QString& name, std::function<void()> ownerChanged);
+    BusPeer(const Bus& bus, const QString& name, std::function<void()> ownerChanged);
 
     bool isThere() const { return !owner.isEmpty(); }
     bool sent(const QDBusMessage& signal) const { return isThere() && signal.service() == owner; }
@@ -39,15 +42,23 @@ public:
 
 private:
     Q_SLOT void nameOwnerChanged(const QDBusMessage& signal);
-    Q_SLOT void busLost();
+    struct Subscription {
+        QString path, interface, signal;
+        QStringList match;
+        QObject* receiver;
+        const char* slot;
+    };
 
+    void listen();
+    void connectTo(const Subscription& subscription);
     void setOwner(const QString& next);
-    void asyncCall(const QDBusMessage& message, Answer answer);
 
-    QDBusConnection connection;
+    const QString name;
     std::function<void()> ownerChanged;
     bool isKnown = false; // whether there is an owner
     QString owner;        // its unique name
+    std::vector<Subscription> subscriptions;
+    LastingBus bus; // last, so that it goes first
 };
 
 } // namespace quenthisar

@@ -47,7 +47,7 @@ bool isGraphical(const QVariantMap& session) {
 
 } // namespace
 
-LogindSession::LogindSession(const QDBusConnection& bus, LogindFollower& follower)
+LogindSession::LogindSession(const Bus& bus, LogindFollower& follower)
     : follower(follower), logind(bus, u"org.freedesktop.login1"_s, [this] { ownerChanged(); }) {
     logind.subscribe({}, propertiesInterface, u"PropertiesChanged"_s, this,
                      SLOT(propertiesChanged(QDBusMessage)), sessionInterface);

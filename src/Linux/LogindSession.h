@@ -28,7 +28,7 @@ class LogindSession final : public QObject {
     Q_OBJECT
 
 public:
-    LogindSession(const QDBusConnection& bus, LogindFollower& follower);
+    LogindSession(const Bus& bus, LogindFollower& follower);
 
 private:
     /// Where the session is looked for, in this order.

@@ -17,7 +17,7 @@ constexpr std::array paths{QLatin1String{"/org/freedesktop/ScreenSaver"},
 
 } // namespace
 
-ScreenSaver::ScreenSaver(const QDBusConnection& bus, std::function<void(bool)> handler)
+ScreenSaver::ScreenSaver(const Bus& bus, std::function<void(bool)> handler)
     : read(std::move(handler)), service(bus, interface, [this] {
           read(false);
           ask(0);

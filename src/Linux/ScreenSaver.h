@@ -13,7 +13,7 @@ class ScreenSaver final : public QObject {
 public:
     /// `read` is called later, with whether it is active, after each reading, changed or not. One
     /// that has gone is not.
-    ScreenSaver(const QDBusConnection& bus, std::function<void(bool isActive)> read);
+    ScreenSaver(const Bus& bus, std::function<void(bool isActive)> read);
 
 private:
     Q_SLOT void activeChanged(const QDBusMessage& signal);

@@ -6,11 +6,10 @@
 namespace quenthisar {
 
 SessionLock::SessionLock(Changed changed)
-    : SessionLock(QDBusConnection::systemBus(), QDBusConnection::sessionBus(), std::move(changed)) {
-}
+    : SessionLock(Bus::system(), Bus::session(), std::move(changed)) {}
 
-SessionLock::SessionLock(const QDBusConnection& systemBus, const QDBusConnection& sessionBus,
-                         Changed handler, std::chrono::milliseconds limit)
+SessionLock::SessionLock(const Bus& systemBus, const Bus& sessionBus, Changed handler,
+                         std::chrono::milliseconds limit)
     : changed(std::move(handler)), logind(systemBus, *this),
       screenSaver(sessionBus, [this](bool isActive) {
           saverIsActive = isActive;

@@ -23,8 +23,7 @@ public:
 
     /// `changed` is called from the main loop, once per change; not before the first reply.
     explicit SessionLock(Changed changed);
-    SessionLock(const QDBusConnection& systemBus, const QDBusConnection& sessionBus,
-                Changed changed,
+    SessionLock(const Bus& systemBus, const Bus& sessionBus, Changed changed,
                 std::chrono::milliseconds confirmation = SessionLock::confirmation);
 
     bool isLocked() const { return locked; }

@@ -3,6 +3,7 @@
 
 #include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QDeadlineTimer>
 #include <QThread>
 
@@ -24,12 +25,22 @@ constexpr unsigned long askAgain = 10;
 constexpr uint doNotQueue = 4;
 constexpr uint nameExists = 3;
 
-/// True when another program has the name. A bus that does not say is as good as none.
-bool isTaken(const QDBusConnection& bus) {
+/// The connection has a name, too: the same one each time.
+QDBusConnection openBus() {
+    QDBusConnection::disconnectFromBus(name);
+    return QDBusConnection::connectToBus(QDBusConnection::SessionBus, name);
+}
+
+QDBusMessage requestForName() {
     auto request = QDBusMessage::createMethodCall(busDaemon, u"/org/freedesktop/DBus"_s, busDaemon,
                                                   u"RequestName"_s);
     request << QString{name} << doNotQueue;
-    const auto reply = bus.call(request, QDBus::Block, answerLimit);
+    return request;
+}
+
+/// True when another program has the name. A bus that does not say is as good as none.
+bool isTaken(const QDBusConnection& bus) {
+    const auto reply = bus.call(requestForName(), QDBus::Block, answerLimit);
     return reply.type() == QDBusMessage::ReplyMessage &&
            reply.arguments().value(0).toUInt() == nameExists;
 }
@@ -55,9 +66,10 @@ bool askToActivate(const QDBusConnection& bus, int limit) {
 } // namespace
 
 SingleInstance::SingleInstance()
-    : bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name)) {
+    : bus(
+          {openBus(), openBus}, [] {}, [this] { takeNameAgain(); }) {
     // Before the name: whoever sees that it is taken calls at once.
-    bus.registerObject(path, this, QDBusConnection::ExportAllSlots);
+    bus.connection().registerObject(path, this, QDBusConnection::ExportAllSlots);
     first = takeName();
 }
 
@@ -65,10 +77,15 @@ SingleInstance::~SingleInstance() {
     QDBusConnection::disconnectFromBus(name);
 }
 
+void SingleInstance::takeNameAgain() {
+    bus.connection().registerObject(path, this, QDBusConnection::ExportAllSlots);
+    // Nothing depends on the answer: this program goes on, whoever has the name.
+    bus.connection().asyncCall(requestForName());
+}
+
 bool SingleInstance::askToQuit() {
-    const auto reply =
-        ask(QDBusConnection::connectToBus(QDBusConnection::SessionBus, name), u"ActivateAction"_s,
-            {u"quit"_s, QVariantList{}, QVariantMap{}}, answerLimit);
+    const auto reply = ask(openBus(), u"ActivateAction"_s,
+                           {u"quit"_s, QVariantList{}, QVariantMap{}}, answerLimit);
     QDBusConnection::disconnectFromBus(name);
     return reply.type() == QDBusMessage::ReplyMessage;
 }
@@ -76,8 +93,9 @@ bool SingleInstance::askToQuit() {
 bool SingleInstance::takeName() {
     const QDeadlineTimer limit(answerLimit);
     // Again if the other one ends before it has answered.
-    while (isTaken(bus)) {
-        if (limit.hasExpired() || askToActivate(bus, static_cast<int>(limit.remainingTime())))
+    while (isTaken(bus.connection())) {
+        if (limit.hasExpired() ||
+            askToActivate(bus.connection(), static_cast<int>(limit.remainingTime())))
             return false;
         QThread::msleep(askAgain);
     }
@@ -85,7 +103,7 @@ bool SingleInstance::takeName() {
 }
 
 void SingleInstance::stopAnswering() {
-    bus.unregisterObject(path);
+    bus.connection().unregisterObject(path);
 }
 
 void SingleInstance::ActivateAction(const QString& action, const QVariantList& /*parameter*/,

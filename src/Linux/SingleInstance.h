@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QDBusConnection>
+#include "Linux/LastingBus.h"
+
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
@@ -12,8 +13,8 @@
 namespace quenthisar {
 
 /// Sees to it that one program runs per session: the first has a name on the session bus, any other
-/// asks the first to show its window. Without a session bus every program is the first. Main
-/// thread; needs no application object yet.
+/// asks the first to show its window. Without a session bus every program is the first; one that
+/// was lost and is back finds the name taken again. Main thread; needs no application object yet.
 class SingleInstance final : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
@@ -52,8 +53,9 @@ public:
 
 private:
     bool takeName();
+    void takeNameAgain();
 
-    QDBusConnection bus;
+    LastingBus bus;
     bool first = true;
     std::function<void()> activate = [] {};
     std::function<void()> quit = [] {};

@@ -42,27 +42,34 @@ QImage legibleAnywhere(const DrawTemplate& draw, const StatusImage& image, int s
 
 } // namespace
 
-TrayStatusItem::TrayStatusItem(const QDBusConnection& connection, DrawTemplate drawTemplate)
-    : bus(connection),
-      name(u"org.kde.StatusNotifierItem-%1-1"_s.arg(QCoreApplication::applicationPid())),
+TrayStatusItem::TrayStatusItem(const Bus& theBus, DrawTemplate drawTemplate)
+    : name(u"org.kde.StatusNotifierItem-%1-1"_s.arg(QCoreApplication::applicationPid())),
       draw(std::move(drawTemplate)), delegate{.menuNeedsUpdate = [](Menu&) {},
                                               .choose = [](const MenuItem&) {}},
-      menu(forwarding()), busMenu(forwarding()), item([this] { menu.openAtPointer(); }) {
+      menu(forwarding()), busMenu(forwarding()), item([this] { menu.openAtPointer(); }),
+      bus(
+          theBus, [] {}, [this] { serve(); }) {
     patience.setSingleShot(true);
     QObject::connect(&patience, &QTimer::timeout, [this] { showWindow(); });
     patience.start(waitForHost);
 
+    serve();
+}
+
+void TrayStatusItem::serve() {
+    auto& connection = bus.connection();
     // Before the name: whoever sees it reads at once.
-    bus.registerObject(StatusNotifierItem::path, &item, exported);
-    bus.registerObject(StatusNotifierItem::menuPath, &busMenu, exported);
-    bus.registerService(name);
-    hosts = std::make_unique<StatusNotifierHosts>(bus, name, [this] { hostsChanged(); });
+    connection.registerObject(StatusNotifierItem::path, &item, exported);
+    connection.registerObject(StatusNotifierItem::menuPath, &busMenu, exported);
+    connection.registerService(name);
+    hosts = std::make_unique<StatusNotifierHosts>(connection, name, [this] { hostsChanged(); });
 }
 
 TrayStatusItem::~TrayStatusItem() {
-    bus.unregisterService(name);
-    bus.unregisterObject(StatusNotifierItem::path);
-    bus.unregisterObject(StatusNotifierItem::menuPath);
+    auto& connection = bus.connection();
+    connection.unregisterService(name);
+    connection.unregisterObject(StatusNotifierItem::path);
+    connection.unregisterObject(StatusNotifierItem::menuPath);
 }
 
 MenuDelegate TrayStatusItem::forwarding() {

@@ -2,13 +2,13 @@
 #pragma once
 
 #include "Linux/DBusMenu.h"
+#include "Linux/LastingBus.h"
 #include "Linux/StatusNotifierHosts.h"
 #include "Linux/StatusNotifierItem.h"
 #include "Linux/TrayMenu.h"
 #include "Platform/StatusItem.h"
 
 #include <QColor>
-#include <QDBusConnection>
 #include <QPixmap>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -27,7 +27,7 @@ using DrawTemplate = std::function<QPixmap(const QString& name, int pixels, cons
 /// come back. Main thread.
 class TrayStatusItem final : public StatusItem {
 public:
-    TrayStatusItem(const QDBusConnection& bus, DrawTemplate draw);
+    TrayStatusItem(const Bus& bus, DrawTemplate draw);
     TrayStatusItem(const TrayStatusItem&) = delete;
     TrayStatusItem& operator=(const TrayStatusItem&) = delete;
     ~TrayStatusItem() override;
@@ -38,10 +38,10 @@ public:
 
 private:
     MenuDelegate forwarding();
+    void serve();
     void hostsChanged();
     void showWindow();
 
-    QDBusConnection bus;
     const QString name; // on the bus
     const DrawTemplate draw;
     MenuDelegate delegate;
@@ -53,20 +53,21 @@ private:
     QTimer patience;
     std::unique_ptr<QSystemTrayIcon> window;
     std::unique_ptr<StatusNotifierHosts> hosts;
+    LastingBus bus; // last, so that it goes first
 };
 
 /// Makes status items.
 class TrayStatusBar final : public StatusBar {
 public:
-    TrayStatusBar(QDBusConnection connection, DrawTemplate drawTemplate)
-        : bus(std::move(connection)), draw(std::move(drawTemplate)) {}
+    TrayStatusBar(Bus theBus, DrawTemplate drawTemplate)
+        : bus(std::move(theBus)), draw(std::move(drawTemplate)) {}
 
     std::unique_ptr<StatusItem> statusItem() override {
         return std::make_unique<TrayStatusItem>(bus, draw);
     }
 
 private:
-    QDBusConnection bus;
+    Bus bus;
     DrawTemplate draw;
 };
 

@@ -21,8 +21,8 @@ const Event& as(const auto& event) {
     return reinterpret_cast<const Event&>(event);
 }
 
-/// Between two questions where the pointer is: a mouse of 500 Hz and more.
-constexpr std::chrono::milliseconds fastMotion{3};
+/// Between two questions where the pointer is: a mouse of 250 Hz and more. Longer than a rest.
+constexpr std::chrono::milliseconds fastMotion{5};
 
 constexpr std::uint32_t bit(std::uint32_t button) {
     return button < 32 ? 1U << button : 0;

@@ -12,59 +12,44 @@
 namespace quenthisar {
 namespace {
 
-struct Fixture {
+struct Autostart : testing::Test {
     QTemporaryDir home;
     QString path = home.filePath(QStringLiteral("autostart/entry.desktop"));
     AutostartItem item{path, QStringLiteral("/opt/my \"$apps\"/50%/quenthisar")};
-
-    QByteArray read() const {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(no file)");
-    }
-    void append(const QByteArray& text) const {
-        QFile file(path);
-        file.open(QIODevice::Append);
-        file.write(text);
-    }
 };
 
-TEST(AutostartItem, IsAFileThatComesAndGoes) {
-    Fixture f;
-    EXPECT_EQ(f.item.status(), LoginItemStatus::notRegistered);
-    EXPECT_EQ(f.item.registerItem(), std::nullopt);
-    EXPECT_EQ(f.item.status(), LoginItemStatus::enabled);
-    EXPECT_TRUE(f.read().contains(R"(Exec="/opt/my \\"\\$apps\\"/50%%/quenthisar")"
-                                  "\n"))
-        << f.read().constData();
-    // Nothing is started once the program is gone.
-    EXPECT_TRUE(f.read().contains("TryExec=/opt/my \"$apps\"/50%/quenthisar\n"));
-    EXPECT_EQ(f.item.unregisterItem(), std::nullopt);
-    EXPECT_EQ(f.item.status(), LoginItemStatus::notRegistered);
-    EXPECT_NE(f.item.unregisterItem(), std::nullopt) << "there is nothing to take away";
-}
-
-TEST(AutostartItem, SwitchedOffByTheUserItAwaitsHisApproval) {
-    Fixture f;
-    f.item.registerItem();
-    f.append("X-GNOME-Autostart-enabled=false\n");
-    EXPECT_EQ(f.item.status(), LoginItemStatus::enabled);
-    f.append("Hidden = true\n[Desktop Action x]\nHidden=false\n");
-    EXPECT_EQ(f.item.status(), LoginItemStatus::requiresApproval);
-}
-
-TEST(AutostartItem, APipeInItsPlaceIsNoEntry) {
-    Fixture f;
-    ASSERT_TRUE(QDir().mkpath(f.home.filePath(QStringLiteral("autostart"))));
-    ASSERT_EQ(::mkfifo(QFile::encodeName(f.path), 0600), 0);
-    EXPECT_EQ(f.item.status(), LoginItemStatus::notFound);
-    EXPECT_EQ(f.item.registerItem(), std::nullopt);
-    EXPECT_EQ(f.item.status(), LoginItemStatus::enabled);
-}
-
-TEST(AutostartItem, SaysWhyItCannotBeWritten) {
-    AutostartItem item(QStringLiteral("/proc/nowhere/entry.desktop"), QStringLiteral("/bin/true"));
-    EXPECT_NE(item.registerItem(), std::nullopt);
+TEST_F(Autostart, IsAFileThatComesAndGoes) {
     EXPECT_EQ(item.status(), LoginItemStatus::notRegistered);
+    EXPECT_EQ(item.registerItem(), std::nullopt);
+    EXPECT_EQ(item.status(), LoginItemStatus::enabled);
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+    const auto text = file.readAll();
+    EXPECT_TRUE(text.contains("Exec=\"/opt/my \\\\\"\\\\$apps\\\\\"/50%%/quenthisar\"\n"))
+        << text.data();
+    // Nothing is started once the program is gone.
+    EXPECT_TRUE(text.contains("TryExec=/opt/my \"$apps\"/50%/quenthisar\n")) << text.data();
+    file.write("Hidden = true\n[Desktop Action x]\nHidden=false\n");
+    file.close();
+    EXPECT_EQ(item.status(), LoginItemStatus::requiresApproval) << "the user switched it off";
+
+    EXPECT_EQ(item.unregisterItem(), std::nullopt);
+    EXPECT_EQ(item.status(), LoginItemStatus::notRegistered);
+    EXPECT_NE(item.unregisterItem(), std::nullopt) << "there is nothing to take away";
+}
+
+TEST_F(Autostart, IsNotReadFromAPipeButReplacesIt) {
+    ASSERT_TRUE(QDir().mkpath(home.filePath(QStringLiteral("autostart"))));
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path), 0600), 0);
+    EXPECT_EQ(item.status(), LoginItemStatus::notFound);
+    EXPECT_EQ(item.registerItem(), std::nullopt);
+    EXPECT_EQ(item.status(), LoginItemStatus::enabled);
+}
+
+TEST_F(Autostart, SaysWhyItCannotBeWritten) {
+    AutostartItem nowhere(QStringLiteral("/proc/nowhere/entry.desktop"), {});
+    EXPECT_NE(nowhere.registerItem(), std::nullopt);
+    EXPECT_EQ(nowhere.status(), LoginItemStatus::notRegistered);
 }
 
 } // namespace

@@ -5,14 +5,13 @@
 #include "linux/BluezStage.h"
 
 #include <QDBusArgument>
-#include <QDBusPendingCall>
+#include <gtest/gtest.h>
 
 #include <set>
 
 namespace quenthisar {
 
-using namespace Qt::StringLiterals;
-
+inline const auto hci = u"/org/bluez/hci0"_s;
 inline const auto adapterInterface = u"org.bluez.Adapter1"_s;
 inline const auto deviceInterface = u"org.bluez.Device1"_s;
 inline const auto ourService = u"f1e00000-64f2-4b5d-9c51-3e2a5d0d8b10"_s;
@@ -34,11 +33,9 @@ public:
     bool waitForCall(const QString& call) const {
         return waitUntil([&] { return calls.contains(call); });
     }
-    void setPowered(const QString& path, bool on) {
-        tree.set(path, adapterInterface, u"Powered"_s, on);
-    }
-    /// `more` adds to a device without a name that offers our service.
-    QString addDevice(const QString& adapter, const QString& address, const QVariantMap& more) {
+    /// The n-th device of an adapter without a name, which offers our service; `more` adds to it.
+    QString addDevice(int number, const QVariantMap& more, const QString& adapter = hci) {
+        const auto address = u"C0:00:00:00:00:%1"_s.arg(number, 2, 16, QChar(u'0'));
         auto path = adapter + u"/dev_"_s + QString(address).replace(u':', u'_');
         QVariantMap device{{u"Address"_s, address},
                            {u"Alias"_s, QString(address).replace(u':', u'-')},
@@ -60,24 +57,13 @@ public:
                     {u"Service"_s, QVariant::fromValue(QDBusObjectPath(service))}}}});
     }
 
-    /// Calls an object of `client` as the daemon; the name of the error, empty for none.
-    std::string ask(const QDBusConnection& client, const QString& path, const QString& interface,
-                    const QString& method, const QVariantList& arguments) const {
-        auto question =
-            QDBusMessage::createMethodCall(client.baseService(), path, interface, method);
-        question.setArguments(arguments);
-        auto reply = bus.asyncCall(question);
-        if (!waitUntil([&] { return reply.isFinished(); })) return "no answer";
-        return reply.error().name().toStdString();
-    }
-
     QDBusConnection bus;
     dongle::ObjectTree tree;
     QStringList calls;
     QVariantMap filter; // of the last SetDiscoveryFilter
     std::set<QString> unanswered, refused;
     QString refusal = u"org.bluez.Error.Failed"_s;
-    QList<QByteArray> written; // by WriteValue, not refused
+    Lines written; // by WriteValue, not refused
 
 private:
     bool answer(const QDBusMessage& call) {
@@ -89,7 +75,8 @@ private:
         }
         if (call.member() == u"SetDiscoveryFilter")
             filter = qdbus_cast<QVariantMap>(call.arguments().value(0));
-        if (call.member() == u"WriteValue") written += call.arguments().value(0).toByteArray();
+        if (call.member() == u"WriteValue")
+            written.push_back(call.arguments().value(0).toByteArray().toHex().toStdString());
         if (call.member() == u"StartDiscovery")
             tree.set(call.path(), adapterInterface, u"Discovering"_s, true);
         tree.reply(call);
@@ -107,5 +94,21 @@ inline QVariantMap linked(const QString& name) {
     device.insert({{u"Connected"_s, true}, {u"ServicesResolved"_s, true}});
     return device;
 }
+
+/// With a bus of its own, to which a daemon and its user can come.
+class LaidOutDaemon : public testing::Test {
+protected:
+    /// A dongle that is linked and has its service.
+    QString addLinkedDongle() {
+        daemon.addAdapter(hci, true);
+        auto device = daemon.addDevice(1, linked(u"dongle"_s));
+        daemon.addService(device);
+        daemon.appear();
+        return device;
+    }
+
+    BluezStage stage{BluezStage::Daemon::none};
+    Objects daemon{stage};
+};
 
 } // namespace quenthisar

@@ -9,11 +9,11 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
 #include <stdexcept>
 
 namespace quenthisar {
 
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -37,15 +37,11 @@ private:
     testing::AddGlobalTestEnvironment(std::make_unique<QtEnvironment>().release());
 
 std::string stateWord(CentralState state) {
-    switch (state) {
-    case CentralState::unknown: return "unknown";
-    case CentralState::resetting: return "resetting";
-    case CentralState::unsupported: return "unsupported";
-    case CentralState::unauthorized: return "unauthorized";
-    case CentralState::poweredOff: return "off";
-    case CentralState::poweredOn: return "on";
-    }
-    return {};
+    static const std::map<CentralState, std::string> words{
+        {CentralState::unknown, "unknown"},         {CentralState::resetting, "resetting"},
+        {CentralState::unsupported, "unsupported"}, {CentralState::unauthorized, "unauthorized"},
+        {CentralState::poweredOff, "off"},          {CentralState::poweredOn, "on"}};
+    return words.at(state);
 }
 
 std::string resultWord(const CentralError& error) {
@@ -69,7 +65,7 @@ std::string hex(const Payload& payload) {
         .toStdString();
 }
 
-CentralUser::CentralUser(QDBusConnection bus) : central(std::move(bus)) {
+CentralUser::CentralUser(const Bus& bus) : central(bus) {
     central.setDelegate(this);
 }
 
@@ -129,11 +125,6 @@ void CentralUser::connect() {
     central.connect(peripheral);
 }
 
-void CentralUser::forget() {
-    log.clear();
-    peripheral.reset();
-}
-
 void CentralUser::makeReady() {
     connect();
     ASSERT_TRUE(waitFor("probe ok")) << testing::PrintToString(log);
@@ -141,6 +132,18 @@ void CentralUser::makeReady() {
 
 void CentralUser::send(const Payload& payload) const {
     peripheral->writeValue(payload, characteristic, WriteType::withoutResponse);
+}
+
+Lines CentralUser::sendKeys(int count) const {
+    Lines sent;
+    for (int number = 0; number < count; ++number) {
+        const auto usage = static_cast<std::uint8_t>(4 + number % 200);
+        const auto modifiers = static_cast<std::uint8_t>(number / 200 % 16);
+        const auto payload = Report::keyboard(modifiers, std::vector{usage});
+        send(payload);
+        sent.push_back(hex(payload));
+    }
+    return sent;
 }
 
 BluezStage::BluezStage(Daemon wanted, QStringList options) : arguments(std::move(options)) {
@@ -186,9 +189,9 @@ bool BluezStage::waitForFarEnd(const QString& text) {
     });
 }
 
-std::vector<std::string> BluezStage::received(const QString& way) {
+Lines BluezStage::received(const QString& way) {
     const auto mark = u" report "_s + way + u' ';
-    std::vector<std::string> payloads;
+    Lines payloads;
     for (const auto& line : farEnd())
         if (const auto at = line.indexOf(mark); at >= 0)
             payloads.push_back(line.mid(at + mark.size(), 30).toStdString());

@@ -17,6 +17,10 @@
 
 namespace quenthisar {
 
+using namespace Qt::StringLiterals;
+
+using Lines = std::vector<std::string>;
+
 /// Runs Qt's loop until `reached`, at most `limit`. Returns whether it was reached.
 bool waitUntil(const std::function<bool()>& reached,
                std::chrono::milliseconds limit = std::chrono::seconds{15});
@@ -25,7 +29,7 @@ bool waitUntil(const std::function<bool()>& reached,
 /// services and characteristic to the probe. Keeps what it was told, one line each, in order.
 class CentralUser final : CentralDelegate, PeripheralDelegate {
 public:
-    explicit CentralUser(QDBusConnection bus);
+    explicit CentralUser(const Bus& bus);
 
     void didUpdateState() override;
     void didDiscover(const PeripheralPtr& found, const Advertisement& advertisement) override;
@@ -42,14 +46,14 @@ public:
     int count(const std::string& line) const;
     /// Waits until the dongle is discovered, and connects it.
     void connect();
-    /// Forgets the log and the dongle, for what comes next.
-    void forget();
     void cancel() { central.cancelConnection(peripheral); }
     /// The same as far as the probe's answer.
     void makeReady();
     void send(const Payload& payload) const;
+    /// Sends so many different keys; as the far end prints them.
+    Lines sendKeys(int count) const;
 
-    std::vector<std::string> log;
+    Lines log;
     PeripheralPtr peripheral;
     BluezCentral central;
 
@@ -78,8 +82,9 @@ public:
     /// Runs Qt's loop until the far end has written a line that contains `text`.
     bool waitForFarEnd(const QString& text);
     /// The payloads that arrived by this way ("request", "command", "descriptor"), in order.
-    std::vector<std::string> received(const QString& way);
+    Lines received(const QString& way);
     const QStringList& farEnd();
+    demo::ChildProcess& program() { return *daemon; }
 
 private:
     std::optional<demo::PrivateBus> bus{std::in_place};
@@ -87,6 +92,9 @@ private:
     std::unique_ptr<demo::ChildProcess> daemon;
     QStringList lines, connections;
 };
+
+/// The virtual dongle, as a user hears of it.
+inline constexpr auto ourDongle = "discovered Zandrovelkin BLE";
 
 /// As the far end prints it.
 std::string hex(const Payload& payload);

@@ -38,18 +38,6 @@ protected:
     }
     static int endOf(const Program& program) { return program->waitForEnd(limit).value_or(-2); }
 
-    /// As the desktop does. False if there is an error.
-    bool call(const QString& method, const QVariantList& arguments) {
-        auto message = QDBusMessage::createMethodCall(u"com.vornack.quenthisar"_s,
-                                                      u"/com/vornack/quenthisar"_s,
-                                                      u"org.freedesktop.Application"_s, method);
-        message.setArguments(arguments);
-        const auto reply =
-            QDBusConnection::connectToBus(address, u"desktop"_s).call(message, QDBus::Block);
-        QDBusConnection::disconnectFromBus(u"desktop"_s);
-        return reply.type() == QDBusMessage::ReplyMessage;
-    }
-
     std::unique_ptr<demo::PrivateBus> bus = std::make_unique<demo::PrivateBus>();
     QString address = bus->address();
 
@@ -59,17 +47,6 @@ private:
     char* list[2] = {name, nullptr};
     QCoreApplication application{argumentCount, list};
 };
-
-TEST_F(SingleInstance, AsksTheFirstToShowItsWindow) {
-    const auto first = start();
-    ASSERT_EQ(says(first), "first");
-    for (int i = 0; i < 2; ++i) {
-        const auto second = start();
-        EXPECT_EQ(says(second), "second");
-        EXPECT_EQ(endOf(second), 0);
-        EXPECT_EQ(says(first), "activated");
-    }
-}
 
 TEST_F(SingleInstance, LeavesExactlyOneOfTwoThatStartInOneInstant) {
     for (int i = 0; i < 100; ++i) {
@@ -120,15 +97,9 @@ TEST_F(SingleInstance, DoesNotWaitLongForAFirstThatHangs) {
     EXPECT_EQ(says(first), "activated") << "later is better than never";
 }
 
-TEST_F(SingleInstance, DoesWhatTheDesktopAsksFor) {
+TEST_F(SingleInstance, EndsWhenAskedTo) {
     const auto first = start();
     ASSERT_EQ(says(first), "first");
-    EXPECT_TRUE(call(u"Activate"_s, {QVariantMap{}}));
-    EXPECT_EQ(says(first), "activated");
-    EXPECT_TRUE(call(u"Open"_s, {QStringList{u"file:///tmp/x"_s}, QVariantMap{}}));
-    EXPECT_EQ(says(first), "activated");
-    EXPECT_TRUE(call(u"ActivateAction"_s, {u"unknown"_s, QVariantList{}, QVariantMap{}}));
-    EXPECT_TRUE(first->isRunning());
     EXPECT_EQ(says(start({u"--quit"_s})), "asked");
     EXPECT_EQ(endOf(first), 0);
     EXPECT_EQ(says(start({u"--quit"_s})), "nobody");
