@@ -1,17 +1,11 @@
 // SPDX-License-Identifier: MIT
 // What the program costs, beside the least that could do the job. Ends with 0 only if all that was
 // asked was measured and no input got lost.
+#include "Command.h"
 #include "Comparison.h"
 #include "DataFile.h"
 
-#include "demo/Interrupt.h"
-#include "demo/RuntimeFolder.h"
-
-#include <QCommandLineParser>
-#include <QCoreApplication>
-
 #include <cstdio>
-#include <exception>
 
 namespace {
 
@@ -46,29 +40,21 @@ int run(const QCommandLineParser& parser) {
 } // namespace
 
 int main(int argc, char** argv) {
-    quenthisar::demo::provideRuntimeFolder();
-    const QCoreApplication app{argc, argv};
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        u"Measures latency and processor time on X servers of its own, some four minutes long:\n"
-        "  direct   input made and received on one server: what measuring itself takes\n"
-        "  floor    the least program that brings input from one server to another\n"
-        "  program  Quenthisar and a virtual dongle, in a takeover\n"
-        "Keep the machine quiet meanwhile."_s);
-    parser.addHelpOption();
-    parser.addOptions(
-        {{u"quick"_s, u"One short round."_s},
-         {u"smoke"_s, u"Only whether it runs; the figures mean nothing."_s},
-         {u"only"_s, u"Only what has this in its name, such as keys or idle."_s, u"text"_s},
-         {u"data"_s, u"Also writes everything as JSON, each single latency included."_s, u"file"_s},
-         {u"programs"_s, u"The folder of the programs."_s, u"folder"_s,
-          QCoreApplication::applicationDirPath()}});
-    parser.process(app);
-    quenthisar::demo::noteInterrupts();
-    try {
-        return run(parser);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "bench-latency: %s\n", error.what());
-        return 1;
-    }
+    return runCommand(
+        argc, argv,
+        {.name = "bench-latency",
+         .description =
+             u"Measures latency and processor time on X servers of its own, some four minutes\n"
+             "long:\n"
+             "  direct   input made and received on one server: what measuring itself takes\n"
+             "  floor    the least program that brings input from one server to another\n"
+             "  program  Quenthisar and a virtual dongle, in a takeover\n"
+             "Keep the machine quiet meanwhile."_s,
+         .options = {{u"quick"_s, u"One short round."_s},
+                     {u"smoke"_s, u"Only whether it runs; the figures mean nothing."_s},
+                     {u"only"_s, u"Only what has this in its name, such as keys or idle."_s,
+                      u"text"_s},
+                     {u"data"_s, u"Also writes everything as JSON, each single latency included."_s,
+                      u"file"_s}},
+         .run = run});
 }

@@ -1,18 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Whether the program holds more the longer it works. Ends with 0 only if it doesn't.
+#include "Command.h"
 #include "WorkingDay.h"
 
-#include "demo/Interrupt.h"
-#include "demo/RuntimeFolder.h"
-
-#include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QFile>
 #include <QTextStream>
 
 #include <algorithm>
 #include <cstdio>
-#include <exception>
 #include <vector>
 
 namespace {
@@ -102,26 +97,16 @@ int run(const QCommandLineParser& parser) {
 } // namespace
 
 int main(int argc, char** argv) {
-    quenthisar::demo::provideRuntimeFolder();
-    const QCoreApplication app{argc, argv};
-    QCommandLineParser parser;
-    parser.setApplicationDescription(
-        u"Plays a user's working day on X servers of its own, over and over: takeovers, floods of\n"
-        "motion, typing, the clipboard, the window, lost links. Tells what the program holds "
-        "after\n"
-        "the first minute and at the end."_s);
-    parser.addHelpOption();
-    parser.addOptions(
-        {{u"minutes"_s, u"How long; 30 where nothing is given."_s, u"number"_s, u"30"_s},
-         {u"table"_s, u"Also writes what it held after each round, as CSV."_s, u"file"_s},
-         {u"programs"_s, u"The folder of the programs."_s, u"folder"_s,
-          QCoreApplication::applicationDirPath()}});
-    parser.process(app);
-    quenthisar::demo::noteInterrupts();
-    try {
-        return run(parser);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "bench-soak: %s\n", error.what());
-        return 1;
-    }
+    return runCommand(
+        argc, argv,
+        {.name = "bench-soak",
+         .description =
+             u"Plays a user's working day on X servers of its own, over and over: takeovers,\n"
+             "floods of motion, typing, the clipboard, the window, lost links. Tells what the\n"
+             "program holds after the first minute and at the end."_s,
+         .options = {{u"minutes"_s, u"How long; 30 where nothing is given."_s, u"number"_s,
+                      u"30"_s},
+                     {u"table"_s, u"Also writes what it held after each round, as CSV."_s,
+                      u"file"_s}},
+         .run = run});
 }
