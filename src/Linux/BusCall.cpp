@@ -8,14 +8,15 @@
 namespace quenthisar {
 
 // Its receiver has to live as long as the bus's thread may know it, whatever becomes of `context`.
-BusCall::BusCall(QObject* theContext, Answer theAnswer)
-    : QObject(QCoreApplication::instance()), context(theContext), answer(std::move(theAnswer)) {}
+BusCall::BusCall(const QDBusConnection& theBus, QObject* theContext, Answer theAnswer)
+    : QObject(QCoreApplication::instance()), bus(theBus), context(theContext),
+      answer(std::move(theAnswer)) {}
 
 // Not a pending call and its watcher: a reply that comes before there is a watcher is told after
 // the signals that follow it.
 void BusCall::send(const QDBusConnection& bus, const QDBusMessage& message, QObject* context,
                    Answer answer, int milliseconds) {
-    auto* call = new BusCall(context, std::move(answer));
+    auto* call = new BusCall(bus, context, std::move(answer));
     const bool isSent = bus.callWithCallback(message, call, SLOT(replied(QDBusMessage)),
                                              SLOT(failed(QDBusError, QDBusMessage)), milliseconds);
     if (isSent) return;

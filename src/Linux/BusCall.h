@@ -29,8 +29,9 @@ public:
     Q_SLOT void failed(const QDBusError& error, const QDBusMessage& message);
 
 private:
-    BusCall(QObject* context, Answer answer);
+    BusCall(const QDBusConnection& bus, QObject* context, Answer answer);
 
+    const QDBusConnection bus; // a reply that finds its connection already going would outlive it
     const QPointer<QObject> context;
     const Answer answer;
 };
