@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "Dongle.h"
 
+#include <algorithm>
+#include <array>
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace quenthisar::dongle {
 
@@ -18,6 +21,18 @@ const char* wayName(Way way) {
     case Way::descriptor: return "descriptor";
     }
     return {};
+}
+
+/// With the way as much as a function holds without memory of its own.
+using Usual = std::array<std::uint8_t, 15>;
+
+std::string lineOf(Way way, std::span<const std::uint8_t> payload) {
+    const auto bytes = QByteArray{reinterpret_cast<const char*>(payload.data()),
+                                  static_cast<qsizetype>(payload.size())};
+    std::string line{"report "};
+    line.append(wayName(way)).append(1, ' ');
+    line.append(bytes.isEmpty() ? "-"_ba : bytes.toHex()).append(1, ' ');
+    return line.append(describe(decode(payload)));
 }
 
 } // namespace
@@ -43,22 +58,22 @@ void Dongle::rename(const QString& to) {
 
 void Dongle::receive(Way way, std::span<const std::uint8_t> payload) {
     const auto arrival = Clock::now();
-    const auto decoded = decode(payload);
     const std::lock_guard lock{mutex};
-    if (hid) hid->apply(decoded);
+    if (hid) hid->apply(decode(payload));
     // What it costs to write it down is no part of what a target waits for.
-    journal(
-        origin,
-        [way,
-         bytes = QByteArray{reinterpret_cast<const char*>(payload.data()),
-                            static_cast<qsizetype>(payload.size())},
-         decoded] {
-            std::string what{"report "};
-            what.append(wayName(way)).append(1, ' ');
-            what.append(bytes.isEmpty() ? "-"_ba : bytes.toHex()).append(1, ' ');
-            return what.append(describe(decoded));
-        },
-        arrival);
+    Usual usual;
+    if (payload.size() == usual.size()) {
+        std::ranges::copy(payload, usual.begin());
+        journal(
+            origin, [way, usual] { return lineOf(way, usual); }, arrival);
+    } else {
+        journal(
+            origin,
+            [way, bytes = std::vector(payload.begin(), payload.end())] {
+                return lineOf(way, bytes);
+            },
+            arrival);
+    }
 }
 
 void Dongle::linkLost(const QString& reason) {

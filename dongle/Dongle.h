@@ -16,7 +16,7 @@
 namespace quenthisar::dongle {
 
 /// How a payload came in: a write request, a write command, or the descriptor of AcquireWrite.
-enum class Way { request, command, descriptor };
+enum class Way : std::uint8_t { request, command, descriptor };
 
 enum class ProbeFault { accept, refuse, silent, encrypt };
 enum class ConnectFault { accept, refuse, silent, unresolved, noService, unannounced };

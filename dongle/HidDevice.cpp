@@ -20,8 +20,7 @@ bool contains(const std::vector<std::uint8_t>& codes, std::uint8_t code) {
 
 } // namespace
 
-void HidDevice::changeKeys(std::vector<std::uint8_t>& held,
-                           const std::vector<std::uint8_t>& wanted) {
+void HidDevice::changeKeys(std::vector<std::uint8_t>& held) {
     std::erase_if(held, [&](std::uint8_t code) {
         if (contains(wanted, code)) return false;
         sink.key(code, false);
@@ -36,15 +35,15 @@ void HidDevice::changeKeys(std::vector<std::uint8_t>& held,
 
 // Modifiers come first, as their byte does in a keyboard's report.
 void HidDevice::keyboard(const KeyboardReport& report) {
-    std::vector<std::uint8_t> wantedModifiers;
+    wanted.clear();
     for (unsigned bit = 0; bit < 4; ++bit)
-        if ((report.modifiers >> bit & 1U) != 0) wantedModifiers.push_back(modifierKeyCode(bit));
-    changeKeys(modifiers, wantedModifiers);
+        if ((report.modifiers >> bit & 1U) != 0) wanted.push_back(modifierKeyCode(bit));
+    changeKeys(modifiers);
 
-    std::vector<std::uint8_t> wantedKeys;
+    wanted.clear();
     for (const auto usage : report.usages)
-        if (const auto code = keyCode(usage)) wantedKeys.push_back(*code);
-    changeKeys(keys, wantedKeys);
+        if (const auto code = keyCode(usage)) wanted.push_back(*code);
+    changeKeys(keys);
     // All keys up lets go of a media key, too: a host need not know of it.
     if (report == KeyboardReport{}) consumer({});
 }
@@ -65,8 +64,9 @@ void HidDevice::mouse(const MouseReport& report) {
 }
 
 void HidDevice::consumer(const ConsumerReport& report) {
-    const auto code = consumerKeyCode(report.usage);
-    changeKeys(mediaKeys, code ? std::vector{*code} : std::vector<std::uint8_t>{});
+    wanted.clear();
+    if (const auto code = consumerKeyCode(report.usage)) wanted.push_back(*code);
+    changeKeys(mediaKeys);
 }
 
 void HidDevice::apply(const Report& report) {

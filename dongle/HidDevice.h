@@ -23,12 +23,14 @@ private:
     void keyboard(const KeyboardReport& report);
     void mouse(const MouseReport& report);
     void consumer(const ConsumerReport& report);
-    void changeKeys(std::vector<std::uint8_t>& held, const std::vector<std::uint8_t>& wanted);
+    /// Makes `wanted` what is held.
+    void changeKeys(std::vector<std::uint8_t>& held);
 
     InputSink& sink;
     std::vector<std::uint8_t> modifiers; // Linux key codes, in order of pressing
     std::vector<std::uint8_t> keys;
     std::vector<std::uint8_t> mediaKeys;
+    std::vector<std::uint8_t> wanted; // a member for its memory
     std::uint8_t buttons = 0;
 };
 

@@ -106,12 +106,15 @@ constexpr auto consumerKeys = std::to_array<Row>({
     {0xEA, "volume-down", KEY_VOLUMEDOWN},
 });
 
-static_assert(std::ranges::adjacent_find(keys, std::ranges::greater_equal{}, &Row::usage) ==
-              keys.end());
+constexpr bool isSorted(const auto& rows) {
+    return std::ranges::adjacent_find(rows, std::ranges::greater_equal{}, &Row::usage) ==
+           rows.end();
+}
+static_assert(isSorted(keys) && isSorted(consumerKeys));
 
 const Row* find(const auto& rows, std::uint16_t usage) {
-    const auto it = std::ranges::find(rows, usage, &Row::usage);
-    return it != rows.end() ? &*it : nullptr;
+    const auto it = std::ranges::lower_bound(rows, usage, {}, &Row::usage);
+    return it != rows.end() && it->usage == usage ? &*it : nullptr;
 }
 
 std::string nameOf(const Row* row, unsigned usage) {

@@ -7,7 +7,6 @@
 #include <cstdint>
 #include <poll.h>
 #include <sys/socket.h>
-#include <sys/uio.h>
 #include <unistd.h>
 #include <utility>
 
@@ -15,7 +14,7 @@ namespace quenthisar::dongle {
 
 namespace {
 
-constexpr std::size_t longest = 247, payloadsAtOnce = 8;
+constexpr std::size_t longest = 247;
 constexpr int interruption = SIGUSR1;
 /// The signal may come just before the call that it is to interrupt.
 constexpr std::chrono::milliseconds interruptAgain{1};
@@ -58,7 +57,7 @@ void PayloadReader::setReading(bool on) {
 void PayloadReader::drain() {
     if (!wanted) return;
     setReading(false);
-    while (takeBatch(MSG_DONTWAIT) == Taken::some) {
+    while (take(MSG_DONTWAIT) == Taken::some) {
     }
 }
 
@@ -73,7 +72,7 @@ void PayloadReader::run() {
             if (ending) return;
             parked = false;
         }
-        if (takeBatch(MSG_WAITFORONE) != Taken::end) continue;
+        if (take(0) != Taken::end) continue;
         atEnd = true;
         handlers.ended();
     }
@@ -85,24 +84,13 @@ bool PayloadReader::isClosed() const {
     return ::poll(&state, 1, 0) > 0;
 }
 
-// One call takes all that is there: a second one, only to hear that there is no more, would cost as
-// much as the first.
-PayloadReader::Taken PayloadReader::takeBatch(int flags) {
-    std::array<std::array<std::uint8_t, longest>, payloadsAtOnce> buffers;
-    std::array<iovec, payloadsAtOnce> places{};
-    std::array<mmsghdr, payloadsAtOnce> messages{};
-    for (std::size_t i = 0; i < payloadsAtOnce; ++i) {
-        places[i] = {.iov_base = buffers[i].data(), .iov_len = buffers[i].size()};
-        messages[i].msg_hdr.msg_iov = &places[i];
-        messages[i].msg_hdr.msg_iovlen = 1;
-    }
-    const auto count = ::recvmmsg(descriptor, messages.data(), payloadsAtOnce, flags, nullptr);
-    if (count < 0) return errno == EAGAIN || errno == EINTR ? Taken::none : Taken::end;
-    for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-        if (messages[i].msg_len == 0 && isClosed()) return Taken::end;
-        handlers.take({buffers[i].data(), messages[i].msg_len});
-    }
-    return count > 0 ? Taken::some : Taken::end;
+PayloadReader::Taken PayloadReader::take(int flags) {
+    std::array<std::uint8_t, longest> buffer;
+    const auto length = ::recv(descriptor, buffer.data(), buffer.size(), flags);
+    if (length < 0) return errno == EAGAIN || errno == EINTR ? Taken::none : Taken::end;
+    if (length == 0 && isClosed()) return Taken::end;
+    handlers.take({buffer.data(), static_cast<std::size_t>(length)});
+    return Taken::some;
 }
 
 } // namespace quenthisar::dongle

@@ -36,14 +36,14 @@ private:
     enum class Taken { some, none, end };
 
     void run();
-    Taken takeBatch(int flags);
+    Taken take(int flags);
     bool isClosed() const;
 
     const int descriptor;
     const Handlers handlers;
     std::mutex mutex;
     std::condition_variable changed;
-    std::atomic<bool> wanted; // read without the lock once per batch
+    std::atomic<bool> wanted; // read without the lock for each payload
     bool parked = false, ending = false;
     std::thread thread;
 };

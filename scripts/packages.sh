@@ -5,7 +5,7 @@
 # To build it.
 build_packages=(
     cmake g++ ninja-build pkg-config
-    qt6-base-dev qt6-svg-dev nlohmann-json3-dev libutf8proc-dev
+    qt6-base-dev qt6-svg-dev libglib2.0-dev nlohmann-json3-dev libutf8proc-dev
     libxcb1-dev libxcb-randr0-dev libxcb-xfixes0-dev libxcb-xinput-dev libxcb-xkb-dev
     libxcb-xtest0-dev libsystemd-dev
 )

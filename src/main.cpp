@@ -144,11 +144,7 @@ int main(int count, char** argv) {
 
     // There are no other command-line options, the toolkit's included.
     int argumentCount = 1;
-    // Its loop over plain poll() takes less of the time of an event; what this program starts keeps
-    // its own.
-    qputenv("QT_NO_GLIB", "1");
     const Application application(argumentCount, argv);
-    qunsetenv("QT_NO_GLIB");
     XToolkit::ignoreButtonStates();
     QApplication::setStyle(new Style);
     QApplication::setApplicationName(QStringLiteral("Quenthisar"));

@@ -12,10 +12,14 @@ using Report::Kind;
 
 bool BluezPayloadQueue::push(const Payload& payload, Clock::time_point now) {
     const bool pureMotion = Report::isPureMotion(latestMouse, payload);
-    if (Report::isKind(Kind::mouse, payload)) latestMouse = payload;
+    pass(payload);
     entries.push_back({payload, now, pureMotion});
     if (pureMotion && ++motions > motionLimit) dropOldestMotion();
     return entries.size() - motions < otherLimit;
+}
+
+void BluezPayloadQueue::pass(const Payload& payload) {
+    if (Report::isKind(Kind::mouse, payload)) latestMouse = payload;
 }
 
 void BluezPayloadQueue::dropOldestMotion() {

@@ -24,6 +24,9 @@ public:
     /// others wait: then the link is hopeless.
     [[nodiscard]] bool push(const Payload& payload, Clock::time_point now);
 
+    /// Notes what needed no queue, because nothing waits.
+    void pass(const Payload& payload);
+
     /// Drops what is older than `staleAge`, but keeps the state in which it leaves the target: the
     /// last keyboard report, the last mouse report without its motion, and a media key's release.
     void dropStale(Clock::time_point now);

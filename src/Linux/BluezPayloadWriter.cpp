@@ -2,6 +2,7 @@
 #include "Linux/BluezPayloadWriter.h"
 
 #include "Linux/BluezDaemon.h"
+#include "Linux/InputPoll.h"
 
 #include <QDBusUnixFileDescriptor>
 
@@ -64,6 +65,12 @@ void BluezPayloadWriter::request(const Payload& payload, Answer answer) {
 
 void BluezPayloadWriter::write(const Payload& payload) {
     if (way == Way::none) return;
+    if (way == Way::descriptor && requests == 0 && queue.empty() && send(payload)) {
+        queue.pass(payload);
+        InputPoll::notePayload();
+        return;
+    }
+    InputPoll::stir();
     if (!queue.push(payload, BluezPayloadQueue::Clock::now())) {
         queue.clear();
         closeDescriptor();
@@ -122,14 +129,18 @@ void BluezPayloadWriter::take(int acquired) {
                      [this] { flush(); });
 }
 
+/// False with `errno` if the descriptor did not take it.
+bool BluezPayloadWriter::send(const Payload& payload) {
+    if (::send(descriptor, payload.data(), payload.size(), MSG_DONTWAIT | MSG_NOSIGNAL) < 0)
+        return false;
+    carried = true;
+    return true;
+}
+
 void BluezPayloadWriter::sendThroughDescriptor() {
     queue.dropStale(BluezPayloadQueue::Clock::now());
     while (!queue.empty()) {
-        const auto& payload = queue.front();
-        const auto sent =
-            ::send(descriptor, payload.data(), payload.size(), MSG_DONTWAIT | MSG_NOSIGNAL);
-        if (sent >= 0) {
-            carried = true;
+        if (send(queue.front())) {
             queue.pop();
         } else if (errno == EAGAIN || errno == EWOULDBLOCK) {
             break;

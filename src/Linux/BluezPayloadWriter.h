@@ -51,6 +51,7 @@ private:
     void acquire();
     void waitForOthers();
     void take(int acquired);
+    bool send(const Payload& payload);
     void sendThroughDescriptor();
     void sendCommand();
     void closeDescriptor();

@@ -8,11 +8,9 @@ namespace {
 // As in `TapEvent::data1`.
 constexpr std::int64_t mediaKeyDown = 0x0A00, mediaKeyUp = 0x0B00, mediaKeyState = 0xFF00;
 
-void set(std::set<std::int64_t>& held, std::int64_t key, bool isDown) {
-    if (isDown)
-        held.insert(key);
-    else
-        held.erase(key);
+void set(std::vector<std::int64_t>& held, std::int64_t key, bool isDown) {
+    std::erase(held, key);
+    if (isDown) held.push_back(key);
 }
 
 } // namespace

@@ -4,7 +4,6 @@
 #include "Platform/EventTap.h"
 
 #include <cstdint>
-#include <set>
 #include <vector>
 
 namespace quenthisar {
@@ -25,7 +24,7 @@ public:
     std::vector<TapEvent> mediaReleases(std::uint64_t flags) const;
 
 private:
-    std::set<std::int64_t> keys, mediaKeys;
+    std::vector<std::int64_t> keys, mediaKeys; // in the order in which they went down
     bool left = false, right = false, other = false;
     std::uint64_t modifiers = 0;
 };

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/XEventPump.h"
 
+#include "Linux/InputPoll.h"
+
 #include <QEvent>
 
 #include <utility>
@@ -32,6 +34,18 @@ XEventPump::XEventPump(XConnection& source, Handlers actions)
     drainSoon();
 }
 
+XEventPump::~XEventPump() {
+    setPrompt(false);
+}
+
+void XEventPump::setPrompt(bool on) {
+    const int descriptor = xcb_get_file_descriptor(connection.get());
+    if (on)
+        InputPoll::start(descriptor, [this](auto now) { drain(now); });
+    else
+        InputPoll::stop(descriptor);
+}
+
 bool XEventPump::Notifier::event(QEvent* event) {
     if (event->type() != QEvent::SockAct) return QSocketNotifier::event(event);
     pump.drain();
@@ -49,11 +63,10 @@ void XEventPump::rest() {
     restEnd.start();
 }
 
-void XEventPump::drain() {
+void XEventPump::drain(Clock::time_point now) {
     // A handler that runs an event loop of its own must not change the order of events.
     if (std::exchange(draining, true)) return;
     // After a while what has arrived may be old, and sent before the server closed the connection.
-    const auto now = std::chrono::steady_clock::now();
     if (now - std::exchange(lastDrain, now) > longPause) connection.noticeEnd();
     if (!connection.isLost()) {
         // Reads once. Of what is still to be read, the descriptor tells again.
@@ -73,6 +86,7 @@ void XEventPump::drain() {
     notifier.setEnabled(false);
     soon.stop();
     restEnd.stop();
+    setPrompt(false);
     handlers.lost();
 }
 

@@ -15,6 +15,8 @@ namespace quenthisar {
 /// by one of its handlers.
 class XEventPump {
 public:
+    using Clock = std::chrono::steady_clock;
+
     struct Handlers {
         std::function<void(const xcb_generic_event_t&)> event;
         /// Looks for replies that nobody waits for; true if one was there.
@@ -24,6 +26,15 @@ public:
     };
 
     XEventPump(XConnection& source, Handlers actions);
+    ~XEventPump();
+    XEventPump(const XEventPump&) = delete;
+    XEventPump& operator=(const XEventPump&) = delete;
+
+    /// When what is being handed on was found. To ask the clock costs as much as to hand it on.
+    Clock::time_point drainTime() const { return lastDrain; }
+    /// Whether what arrives is handed on while the main loop sleeps. Its handlers tell `InputPoll`
+    /// what they do.
+    void setPrompt(bool on);
 
     /// To be called after a reply was waited for, or requests were written: what xcb has read
     /// meanwhile is in its queue, where the descriptor no longer announces it.
@@ -45,13 +56,13 @@ private:
         XEventPump& pump;
     };
 
-    void drain();
+    void drain(Clock::time_point now = Clock::now());
 
     XConnection& connection;
     Handlers handlers;
     Notifier notifier;
     QTimer soon, restEnd;
-    std::chrono::steady_clock::time_point lastDrain{};
+    Clock::time_point lastDrain{};
     bool draining = false, lost = false;
 };
 

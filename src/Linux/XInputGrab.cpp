@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/XInputGrab.h"
 
+#include "Linux/InputPoll.h"
+
 #include <utility>
 
 namespace quenthisar {
@@ -97,6 +99,7 @@ void XInputGrab::attempt() {
         retry.stop();
     } else if (!pendingSince) {
         retry.start();
+        InputPoll::stir();
         pendingSince = now;
     } else if (now - *pendingSince > longRefusal) {
         events.refusedForLong();

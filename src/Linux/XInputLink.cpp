@@ -2,6 +2,7 @@
 #include "Linux/XInputLink.h"
 
 #include "Linux/HostKeys.h"
+#include "Linux/InputPoll.h"
 
 #include <xcb/xcbext.h>
 
@@ -68,6 +69,7 @@ void XInputLink::freeze() {
     // Before the grabs are tried: nothing may be missed while they are pending.
     selectEvents(true);
     if (!grab.begin(pointers.masters())) return;
+    pump.setPrompt(true);
     oldest.set(grab.firstSequence());
     flush();
     pacer.clear();
@@ -79,6 +81,7 @@ void XInputLink::freeze() {
 
 void XInputLink::thaw() {
     if (!grab.isActive()) return;
+    pump.setPrompt(false);
     grab.end();
     keyboard.restoreLocks();
     selectEvents(false);
@@ -117,7 +120,10 @@ void XInputLink::take(const xcb_generic_event_t& event) {
         switch (keyboard.take(event)) {
         case XKeyboard::Change::none: break;
         case XKeyboard::Change::modifiers: takeModifiers(); break;
-        case XKeyboard::Change::keymap: renewal.start(0); break;
+        case XKeyboard::Change::keymap:
+            renewal.start(0);
+            InputPoll::stir();
+            break;
         }
         return;
     }
@@ -175,7 +181,7 @@ void XInputLink::takeRawMotion(const xcb_input_raw_motion_event_t& event) {
         return;
     }
     if (pointers.needsPointer(event)) motion = xtestMotion(event);
-    deliverMotion(pacer.add(*motion, MotionPacer::Clock::now()));
+    deliverMotion(pacer.add(*motion, pump.drainTime()));
     schedulePacer();
 }
 
@@ -300,7 +306,7 @@ std::uint32_t XInputLink::logicalButton(const xcb_input_raw_button_press_event_t
 }
 
 void XInputLink::deliver(const TapEvent& event) {
-    deliverMotion(pacer.take(MotionPacer::Clock::now()));
+    deliverMotion(pacer.take(pump.drainTime()));
     // That motion may have been the way back.
     if (grab.isActive()) handlers.deliver(event);
 }
@@ -328,6 +334,7 @@ void XInputLink::schedulePacer() {
     if (!due || pacerTimer.isActive()) return;
     const auto wait = std::chrono::ceil<milliseconds>(*due - MotionPacer::Clock::now());
     pacerTimer.start(std::max(wait, milliseconds{0}));
+    InputPoll::stir();
 }
 
 } // namespace quenthisar

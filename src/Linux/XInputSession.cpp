@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/XInputSession.h"
 
+#include "Linux/InputPoll.h"
+
 #include <utility>
 
 namespace quenthisar {
@@ -104,6 +106,7 @@ void XInputSession::deliver(const TapEvent& event) {
     const auto current = receiver;
     if (!current) return;
     delivered.note(event);
+    InputPoll::noteEvent();
     (*current)(event);
 }
 
