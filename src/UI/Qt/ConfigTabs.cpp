@@ -20,13 +20,17 @@ constexpr int iconSide = 16; // in points
 ConfigTabs::ConfigTabs(const ConfigView& view, QWidget* parent) : QTabWidget(parent) {
     setDocumentMode(true);
     setIconSize({iconSide, iconSide});
-    const auto add = [this](QWidget* tab, const QString& label, const QString& symbol) {
-        addTab(new ScrollPage(tab), symbolIcon(symbol, secondaryColor, accentColor), label);
+    const auto add = [this](auto makeTab, const QString& label, const QString& symbol) {
+        addTab(new ScrollPage(makeTab), symbolIcon(symbol, secondaryColor, accentColor), label);
     };
-    add(new DonglesTab(view), tr("Dongles"), QStringLiteral("dot.radiowaves.left.and.right"));
-    add(new EdgesTab(view.state), tr("Edges"), QStringLiteral("rectangle.split.3x1"));
-    add(new ProfilesTab(view.state), tr("Profiles"), QStringLiteral("square.stack.3d.up"));
-    add(new SettingsTab(view.state), tr("Settings"), QStringLiteral("gearshape"));
+    auto& state = view.state;
+    add([view] { return new DonglesTab(view); }, tr("Dongles"),
+        QStringLiteral("dot.radiowaves.left.and.right"));
+    add([&state] { return new EdgesTab(state); }, tr("Edges"),
+        QStringLiteral("rectangle.split.3x1"));
+    add([&state] { return new ProfilesTab(state); }, tr("Profiles"),
+        QStringLiteral("square.stack.3d.up"));
+    add([&state] { return new SettingsTab(state); }, tr("Settings"), QStringLiteral("gearshape"));
 }
 
 } // namespace quenthisar

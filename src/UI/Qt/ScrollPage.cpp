@@ -1,16 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Qt/ScrollPage.h"
 
+#include <utility>
+
 namespace quenthisar {
 
-ScrollPage::ScrollPage(QWidget* content, QWidget* parent) : QScrollArea(parent) {
+ScrollPage::ScrollPage(std::function<QWidget*()> makeContent, QWidget* parent)
+    : QScrollArea(parent), make(std::move(makeContent)) {
     setFrameShape(NoFrame);
     setWidgetResizable(true);
     setFocusPolicy(Qt::NoFocus);
-    setWidget(content);
-    // The window shows through.
-    content->setAutoFillBackground(false);
-    viewport()->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false); // the window shows through
+}
+
+void ScrollPage::showEvent(QShowEvent* event) {
+    if (make) {
+        setWidget(std::exchange(make, {})());
+        widget()->setAutoFillBackground(false);
+    }
+    QScrollArea::showEvent(event);
 }
 
 void ScrollPage::reveal(QWidget& widget) {
