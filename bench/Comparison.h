@@ -8,8 +8,8 @@
 namespace quenthisar::bench {
 
 struct Extent {
-    int rounds = 3;
-    double share = 1; // of each load's usual time
+    int rounds = 6;
+    double share = 0.5; // of each load's usual time
     std::chrono::milliseconds idle{10'000};
     std::chrono::milliseconds local{4'000};
     std::string only{}; // the loads and states whose name holds this
