@@ -49,7 +49,7 @@ Report decodeConsumer(Bytes bytes) {
 std::string bitNames(unsigned bits, std::initializer_list<const char*> names) {
     std::string text;
     for (const char* name : names) {
-        if ((bits & 1U) != 0) text += (text.empty() ? "" : "+") + std::string{name};
+        if ((bits & 1U) != 0) text.append(text.empty() ? "" : "+").append(name);
         bits >>= 1U;
     }
     return text.empty() ? "none" : text;

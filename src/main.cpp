@@ -47,8 +47,8 @@ namespace {
 /// How long the end of the program waits for the daemon to take the last payloads.
 constexpr std::chrono::milliseconds lastWrites{150};
 
-/// Hands what comes on sockets straight on: nobody filters it, and each event of a takeover is
-/// among it.
+/// Hands what comes on sockets straight on: nobody filters it, and each move at the host is among
+/// it.
 class Application final : public QApplication {
 public:
     using QApplication::QApplication;
