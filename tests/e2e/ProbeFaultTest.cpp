@@ -29,11 +29,11 @@ TEST_F(ProbeFault, RefusedIsLoggedOnceAndLeavesTheDongleUsable) {
 
 TEST_F(ProbeFault, NeverAnsweredTypesNothingLate) {
     ASSERT_NO_FATAL_FAILURE(startWithProbe(u"silent"_s));
-    // Nothing arrives at the dongle that would tell.
+    // Nothing arrives at the dongle that would tell, and at the edge little is seen of a cursor.
     const auto takesOver = [&] {
         stage->hands.moveBy({-60, 0});
         stage->hands.moveBy({200, 0});
-        return waitUntil([&] { return !stage->hostShowsCursor(); }, 150ms);
+        return !stage->hostPointerMoves(150ms) && !stage->hostShowsCursor();
     };
     ASSERT_TRUE(demo::retry(takesOver, soon));
     ASSERT_NO_FATAL_FAILURE(markNow());
