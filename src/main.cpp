@@ -24,6 +24,7 @@
 #include "Linux/XPasteboard.h"
 #include "Linux/XToolkit.h"
 #include "UI/Qt/ConfigWindowWidget.h"
+#include "UI/Qt/FontLookup.h"
 #include "UI/Qt/HUDWidget.h"
 #include "UI/Qt/Style.h"
 #include "UI/Qt/Symbols.h"
@@ -145,6 +146,7 @@ int main(int count, char** argv) {
     // There are no other command-line options, the toolkit's included.
     int argumentCount = 1;
     const Application application(argumentCount, argv);
+    const FontLookup fontLookup; // beside all that shows no text
     XToolkit::ignoreButtonStates();
     QApplication::setStyle(new Style);
     QApplication::setApplicationName(QStringLiteral("Quenthisar"));
