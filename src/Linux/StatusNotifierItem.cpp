@@ -42,18 +42,24 @@ StatusNotifierItem::StatusNotifierItem(std::function<void()> open) : openMenu(st
     qDBusRegisterMetaType<StatusNotifierToolTip>();
 }
 
-void StatusNotifierItem::setImage(const QList<QImage>& images, const QString& accessibleName) {
+void StatusNotifierItem::setImage(Draw next, const QString& accessibleName) {
     description = accessibleName;
+    draw = std::move(next);
     pixmaps.clear();
-    for (const auto& image : images) {
+    Q_EMIT NewTitle();
+    Q_EMIT NewIcon();
+    Q_EMIT NewToolTip();
+}
+
+QList<StatusNotifierPixmap> StatusNotifierItem::iconPixmap() {
+    if (!draw) return pixmaps;
+    for (const auto& image : std::exchange(draw, {})()) {
         const auto pixels = image.convertToFormat(QImage::Format_ARGB32);
         QByteArray argb(pixels.sizeInBytes(), Qt::Uninitialized);
         qToBigEndian<quint32>(pixels.constBits(), pixels.sizeInBytes() / 4, argb.data());
         pixmaps.append({pixels.width(), pixels.height(), argb});
     }
-    Q_EMIT NewTitle();
-    Q_EMIT NewIcon();
-    Q_EMIT NewToolTip();
+    return pixmaps;
 }
 
 /// After the host has its answer: it may hold the mouse until then.

@@ -60,8 +60,11 @@ public:
     /// `openMenu` is for hosts that leave it to the item to show its menu.
     explicit StatusNotifierItem(std::function<void()> openMenu);
 
-    /// In several sizes; none for no image.
-    void setImage(const QList<QImage>& images, const QString& description);
+    /// Draws the image in several sizes; none for no image.
+    using Draw = std::function<QList<QImage>()>;
+
+    /// `draw` is called once, when a host asks for the image.
+    void setImage(Draw draw, const QString& description);
 
     // The interface.
 
@@ -74,7 +77,7 @@ public:
     static QString noName() { return {}; }
     static QList<StatusNotifierPixmap> noPixmap() { return {}; }
     QString title() const { return description; }
-    QList<StatusNotifierPixmap> iconPixmap() const { return pixmaps; }
+    QList<StatusNotifierPixmap> iconPixmap();
     StatusNotifierToolTip toolTip() const { return {.title = description}; }
 
     Q_SLOT void ContextMenu(int /*x*/, int /*y*/) { open(); }
@@ -91,6 +94,7 @@ private:
 
     std::function<void()> openMenu;
     QString description;
+    Draw draw; // none once it was called
     QList<StatusNotifierPixmap> pixmaps;
 };
 

@@ -81,18 +81,22 @@ MenuDelegate TrayStatusItem::forwarding() {
                 }};
 }
 
-void TrayStatusItem::setImage(const StatusImage& image) {
-    description = QString::fromStdString(image.accessibilityDescription);
-    icon = {};
-    QList<QImage> images;
+void TrayStatusItem::setImage(const StatusImage& next) {
+    image = next;
+    item.setImage([this] { return images(); },
+                  QString::fromStdString(image.accessibilityDescription));
+    if (window) showWindow();
+}
+
+/// In all sizes.
+QList<QImage> TrayStatusItem::images() const {
+    QList<QImage> result;
     for (const int size : imageSizes) {
         const auto drawn = legibleAnywhere(draw, image, size);
         if (drawn.isNull()) break;
-        images.append(drawn);
-        icon.addPixmap(QPixmap::fromImage(drawn));
+        result.append(drawn);
     }
-    item.setImage(images, description);
-    if (window) showWindow();
+    return result;
 }
 
 void TrayStatusItem::setMenu(MenuDelegate next) {
@@ -115,8 +119,10 @@ void TrayStatusItem::showWindow() {
     // The toolkit would ask the watcher too, and wait for its answer.
     if (hosts->isUnknown()) return patience.start(waitForHost);
     // It waits by itself for a tray that it can be put into.
+    QIcon icon;
+    for (const auto& each : images()) icon.addPixmap(QPixmap::fromImage(each));
     window = std::make_unique<QSystemTrayIcon>(icon);
-    window->setToolTip(description);
+    window->setToolTip(QString::fromStdString(image.accessibilityDescription));
     window->setContextMenu(&menu);
     QObject::connect(window.get(), &QSystemTrayIcon::activated, &menu,
                      [this](QSystemTrayIcon::ActivationReason reason) {

@@ -9,6 +9,8 @@
 #include "Platform/StatusItem.h"
 
 #include <QColor>
+#include <QImage>
+#include <QList>
 #include <QPixmap>
 #include <QSystemTrayIcon>
 #include <QTimer>
@@ -39,14 +41,14 @@ public:
 private:
     MenuDelegate forwarding();
     void serve();
+    QList<QImage> images() const;
     void hostsChanged();
     void showWindow();
 
     const QString name; // on the bus
     const DrawTemplate draw;
     MenuDelegate delegate;
-    QIcon icon;
-    QString description;
+    StatusImage image;
     TrayMenu menu;
     DBusMenu busMenu;
     StatusNotifierItem item;
