@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "XTestTarget.h"
 
+#include <array>
 #include <cstdlib>
+#include <sys/socket.h>
+#include <sys/uio.h>
 #include <utility>
-#include <xcb/xtest.h>
+#include <xcb/xcbext.h>
 
 namespace quenthisar::dongle {
 
@@ -11,6 +14,11 @@ namespace {
 
 // X key codes are the kernel's, moved out of the way of what X reserves.
 constexpr int firstKeyCode = 8;
+
+/// Replies carry the lower 16 bits of their request's number, so that one has to come well before
+/// they are used up.
+constexpr std::uint64_t mostUntold = 1U << 14;
+constexpr std::size_t mostMade = 256; // which are written at once
 
 template <class T>
 std::unique_ptr<T, decltype(&std::free)> owned(T* reply) {
@@ -31,6 +39,7 @@ XTestTarget::XTestTarget(const std::string& display, std::function<void()> lost)
     for (; screen.rem > 0 && screenNumber > 0; --screenNumber) xcb_screen_next(&screen);
     if (!version || screen.rem == 0) return;
     root = screen.data->root;
+    opcode = xcb_get_extension_data(c, &xcb_test_id)->major_opcode;
 
     readable = std::make_unique<QSocketNotifier>(xcb_get_file_descriptor(c), QSocketNotifier::Read);
     QObject::connect(readable.get(), &QSocketNotifier::activated, readable.get(),
@@ -55,8 +64,16 @@ void XTestTarget::checkConnection() {
 
 void XTestTarget::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
     if (root == XCB_NONE) return;
-    xcb_test_fake_input(connection.get(), type, detail, XCB_CURRENT_TIME, root,
-                        static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
+    auto& request = made.emplace_back();
+    request.major_opcode = opcode;
+    request.minor_opcode = XCB_TEST_FAKE_INPUT;
+    request.length = sizeof(request) / 4;
+    request.type = type;
+    request.detail = detail;
+    request.root = root;
+    request.rootX = static_cast<std::int16_t>(x);
+    request.rootY = static_cast<std::int16_t>(y);
+    if (made.size() == mostMade) flush();
 }
 
 void XTestTarget::key(std::uint8_t code, bool down) {
@@ -72,13 +89,47 @@ void XTestTarget::move(int dx, int dy) {
     fake(XCB_MOTION_NOTIFY, relative, dx, dy);
 }
 
+// xcb polls before it writes, which for one small request costs as much as the writing.
 void XTestTarget::flush() {
-    if (root == XCB_NONE) return;
-    xcb_flush(connection.get());
-    checkConnection();
+    if (root == XCB_NONE || made.empty()) return;
+    takeSocket();
+    auto* c = connection.get();
+    auto* bytes = reinterpret_cast<std::byte*>(made.data());
+    const auto size = made.size() * sizeof(made.front());
+    const auto sent = ::send(xcb_get_file_descriptor(c), bytes, size, MSG_DONTWAIT | MSG_NOSIGNAL);
+    const auto gone = sent < 0 ? 0 : static_cast<std::size_t>(sent);
+    untold += made.size();
+    if (gone < size) {
+        iovec rest{.iov_base = bytes + gone, .iov_len = size - gone};
+        xcb_writev(c, &rest, 1, 0); // waits until the server takes it
+        checkConnection();
+    }
+    made.clear();
+    if (untold < mostUntold) return;
+    xcb_discard_reply(c, xcb_get_input_focus(c).sequence);
+    xcb_flush(c);
+}
+
+void XTestTarget::takeSocket() {
+    if (ownsSocket) return;
+    std::uint64_t sentBefore = 0;
+    ownsSocket = xcb_take_socket(
+                     connection.get(),
+                     [](void* target) { static_cast<XTestTarget*>(target)->giveSocketBack(); },
+                     this, 0, &sentBefore) != 0;
+}
+
+void XTestTarget::giveSocketBack() {
+    ownsSocket = false;
+    if (untold == 0) return;
+    // It is told of them by writing something.
+    std::array<std::uint8_t, 4> nothing{XCB_NO_OPERATION, 0, 1, 0};
+    iovec request{.iov_base = nothing.data(), .iov_len = nothing.size()};
+    xcb_writev(connection.get(), &request, 1, std::exchange(untold, 0) + 1);
 }
 
 void XTestTarget::sync() {
+    flush();
     if (root == XCB_NONE) return;
     owned(xcb_get_input_focus_reply(connection.get(), xcb_get_input_focus(connection.get()),
                                     nullptr));

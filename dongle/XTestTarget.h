@@ -9,7 +9,9 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 #include <xcb/xcb.h>
+#include <xcb/xtest.h>
 
 namespace quenthisar::dongle {
 
@@ -40,11 +42,17 @@ private:
     };
 
     void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
+    void takeSocket();
+    void giveSocketBack();
     void drain();
     void checkConnection();
 
     std::unique_ptr<xcb_connection_t, Disconnect> connection;
-    std::atomic<xcb_window_t> root = XCB_NONE; // none once it is lost
+    std::atomic<xcb_window_t> root = XCB_NONE;       // none once it is lost
+    std::uint8_t opcode = 0;                         // of XTest
+    std::vector<xcb_test_fake_input_request_t> made; // since the last flush
+    bool ownsSocket = false;                         // to write to; xcb has it otherwise
+    std::uint64_t untold = 0;                        // requests that xcb does not know of
     std::function<void()> onLost;
     std::unique_ptr<QSocketNotifier> readable;
 };
