@@ -27,9 +27,6 @@ public:
     /// The Bluetooth daemon's objects of the dongles on whose targets something may be held.
     void setDongles(std::vector<std::string> objectPaths);
 
-    /// Whether the process was told the latest; if not, it is told again each 500 ms.
-    bool isToldAll() const { return told; }
-
 private:
     /// `full`: it doesn't read at the moment. `gone`: it was ended from outside.
     enum class Delivery { taken, full, gone };
@@ -45,7 +42,7 @@ private:
     std::vector<pid_t> processes; // the latest, and those before it that are still to be reaped
     std::uint32_t holder = 0;
     std::vector<std::string> dongles;
-    bool told = true;
+    bool told = true; // the latest; if not, it is told again each 500 ms
     std::optional<QTimer> heartbeat; // a timer needs an application
 };
 

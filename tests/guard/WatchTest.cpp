@@ -51,14 +51,5 @@ TEST(GuardsWatch, GivesGraceOnceWhenItWasHeldUpItself) {
     EXPECT_EQ(watch.expired(at(161'000ms)), none);
 }
 
-TEST(GuardsWatch, IgnoresWhatIsNoMessage) {
-    Watch watch;
-    watch.take("7 /dongle ", at(0ms));
-    for (const auto* text : {"", "0", "x /other ", " /other ", "-1 /other ", "99999999999 /other "})
-        watch.take(text, at(1'000ms));
-    EXPECT_EQ(watch.deadline(), at(2'000ms));
-    EXPECT_EQ(watch.dongles(), Dongles{"/dongle"});
-}
-
 } // namespace
 } // namespace quenthisar::guard

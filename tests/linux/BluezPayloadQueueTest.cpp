@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "Linux/BluezPayloadQueue.h"
 
-#include "Linux/BluezSighting.h"
-
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -68,21 +66,6 @@ TEST(BluezPayloadQueue, KeepsOnlyTheStateOfWhatIsStale) {
     EXPECT_FALSE(queue.empty());
     queue.dropStale(start + 2001ms);
     EXPECT_TRUE(queue.empty()); // nobody wants a late press
-}
-
-TEST(BluezSighting, LeavesADeviceThatFailedAloneForTenSeconds) {
-    BluezSighting sighting;
-    EXPECT_TRUE(sighting.sign(start));
-    sighting.attemptStarted();
-    sighting.vanished();
-    EXPECT_FALSE(sighting.sign(start));
-    sighting.ended(BluezSighting::End::byFailure, start);
-    EXPECT_FALSE(sighting.sign(start + 9'999ms));
-    EXPECT_FALSE(sighting.renamed(start + 9'999ms));
-    EXPECT_TRUE(sighting.sign(start + 10s));
-    sighting.attemptStarted();
-    EXPECT_FALSE(sighting.renamed(start + 10s));
-    EXPECT_TRUE(sighting.linked()) << "renamed meanwhile";
 }
 
 } // namespace

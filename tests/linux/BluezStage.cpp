@@ -157,7 +157,7 @@ BluezStage::~BluezStage() {
 void BluezStage::startDaemon() {
     daemon = std::make_unique<demo::ChildProcess>(
         QStringLiteral(VIRTUAL_DONGLE), arguments,
-        demo::ChildProcess::Environment{{u"DBUS_SYSTEM_BUS_ADDRESS"_s, bus->address()}});
+        demo::ChildProcess::Environment{{u"DBUS_SYSTEM_BUS_ADDRESS"_s, bus.address()}});
     daemon->onLine([this](const QString& line) { lines += line; });
     if (!daemon->readLineUntil([](const QString& line) { return line == u"ready"; }, 15s))
         throw std::runtime_error("the virtual dongle does not start");
@@ -166,7 +166,7 @@ void BluezStage::startDaemon() {
 QDBusConnection BluezStage::connect() {
     static int number = 0;
     connections += u"stage-%1"_s.arg(++number);
-    return QDBusConnection::connectToBus(bus->address(), connections.last());
+    return QDBusConnection::connectToBus(bus.address(), connections.last());
 }
 
 void BluezStage::ask(const QString& method, const QVariantList& values) {

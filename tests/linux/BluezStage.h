@@ -10,7 +10,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -72,8 +71,6 @@ public:
     BluezStage& operator=(const BluezStage&) = delete;
 
     void startDaemon();
-    void endBus() { bus.reset(); }
-    QString busAddress() const { return bus->address(); }
     /// A fault, by the name of its method.
     void ask(const QString& method, const QVariantList& arguments = {});
     /// A new connection to the bus, as another program has.
@@ -83,11 +80,11 @@ public:
     bool waitForFarEnd(const QString& text);
     /// The payloads that arrived by this way ("request", "command", "descriptor"), in order.
     Lines received(const QString& way);
-    const QStringList& farEnd();
-    demo::ChildProcess& program() { return *daemon; }
 
 private:
-    std::optional<demo::PrivateBus> bus{std::in_place};
+    const QStringList& farEnd();
+
+    demo::PrivateBus bus;
     QStringList arguments;
     std::unique_ptr<demo::ChildProcess> daemon;
     QStringList lines, connections;

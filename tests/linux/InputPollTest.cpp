@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -13,6 +12,7 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <iterator>
 #include <sys/socket.h>
 #include <thread>
 #include <unistd.h>
@@ -49,8 +49,13 @@ protected:
         ++taken;
         handle();
     }
-    /// Types each millisecond while the loop runs until something quits it, or for far too long.
-    static constexpr auto farTooLong = 5s;
+    /// Runs the loop until something quits it.
+    void run() {
+        constexpr auto farTooLong = 2s;
+        QTimer::singleShot(farTooLong, &application, [] { QCoreApplication::exit(1); });
+        EXPECT_EQ(QCoreApplication::exec(), 0);
+    }
+    /// The same while each millisecond brings input.
     void typeAndRun(const std::function<void()>& afterAHundred) {
         std::atomic<bool> typing = true;
         std::thread typist([&] {
@@ -60,8 +65,7 @@ protected:
                 std::this_thread::sleep_for(1ms);
             }
         });
-        QTimer::singleShot(farTooLong, &application, [] { QCoreApplication::exit(1); });
-        exitCode = QCoreApplication::exec();
+        run();
         typing = false;
         typist.join();
     }
@@ -76,59 +80,41 @@ protected:
         InputPoll::noteEvent();
         InputPoll::notePayload();
     };
-    int throughLoop = 0, taken = 0, exitCode = -1;
+    int throughLoop = 0, taken = 0;
 };
 
 TEST_F(InputPollTest, HandsPlainInputOnPastALoopWhoseTimersAndDescriptorsGoOn) {
     const auto other = makeEnds();
     QSocketNotifier otherNotifier(other[0], QSocketNotifier::Read);
     QObject::connect(&otherNotifier, &QSocketNotifier::activated, [] { QCoreApplication::quit(); });
-    QElapsedTimer time;
-    time.start();
     typeAndRun([&] { EXPECT_EQ(::write(other[1], "q", 1), 1); });
-    EXPECT_EQ(exitCode, 0);
     for (const int end : other) ::close(end);
-
     QTimer::singleShot(100, [] { QCoreApplication::quit(); });
     typeAndRun([] {});
-    EXPECT_EQ(exitCode, 0);
-    EXPECT_LT(time.elapsed(), 2000);
     EXPECT_GE(taken, 50);
     // Both may be ready in one instant.
     EXPECT_LE(throughLoop, taken / 4);
 }
 
 TEST_F(InputPollTest, ReturnsToTheLoopForWhatInputBringsAbout) {
-    using Action = std::function<void()>;
-    const auto quitSoon = [] { QTimer::singleShot(1, [] { QCoreApplication::quit(); }); };
-    const std::array<Action, 4> kinds{[&] { // told
-                                          InputPoll::stir();
-                                          quitSoon();
-                                      },
-                                      [&] { // an event that became no payload
-                                          InputPoll::noteEvent();
-                                          quitSoon();
-                                      },
-                                      [&] { // a takeover that ends, and the next one
-                                          InputPoll::stop(ends[0]);
-                                          InputPoll::start(ends[0], [this](auto) { take(); });
-                                          quitSoon();
-                                      },
-                                      [] { // what is posted wakes the loop by itself
-                                          QMetaObject::invokeMethod(
-                                              qApp, [] { QCoreApplication::quit(); },
-                                              Qt::QueuedConnection);
-                                      }};
+    const std::function<void()> kinds[] = {
+        [] { InputPoll::stir(); },      // told
+        [] { InputPoll::noteEvent(); }, // an event that became no payload
+        [&] {                           // a takeover that ends, and the next one
+            InputPoll::stop(ends[0]);
+            InputPoll::start(ends[0], [this](auto) { take(); });
+        },
+    };
     for (const auto& kind : kinds) {
-        handle = kind;
+        SCOPED_TRACE(&kind - kinds);
+        handle = [&] {
+            kind();
+            QTimer::singleShot(1, [] { QCoreApplication::quit(); });
+        };
         QTimer::singleShot(10ms, [this] { type(); });
-        QTimer::singleShot(farTooLong, &application, [] { QCoreApplication::exit(1); });
-        QElapsedTimer time;
-        time.start();
-        EXPECT_EQ(QCoreApplication::exec(), 0) << &kind - kinds.data();
-        EXPECT_LT(time.elapsed(), 2000);
+        run();
     }
-    EXPECT_EQ(taken, 4);
+    EXPECT_EQ(taken, std::ssize(kinds));
 }
 
 } // namespace

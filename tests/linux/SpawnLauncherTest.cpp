@@ -7,14 +7,11 @@
 #include <array>
 #include <cerrno>
 #include <chrono>
-#include <csignal>
 #include <ctime>
 #include <fcntl.h>
 #include <filesystem>
-#include <optional>
 #include <poll.h>
 #include <string>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -86,40 +83,6 @@ TEST(SpawnLauncher, StartsTheShellWithItsCommandAndNoDescriptorOfOurs) {
     ::close(extra);
 }
 
-TEST(SpawnLauncher, GivesSignalsTheirDefaultsBack) {
-    const Pipe pipe;
-    ::signal(SIGPIPE, SIG_IGN);
-    sigset_t blocked, before;
-    sigemptyset(&blocked);
-    sigaddset(&blocked, SIGTERM);
-    ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
-    SpawnLauncher ours;
-    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    for (const auto* signal : {"PIPE", "TERM"})
-        ours.launch(shell("kill -" + std::string(signal) + " $$; echo survived > " + pipe.path()));
-    for (const std::string word : {"next", "last"}) {
-        ours.launch(shell("echo " + word + " > " + pipe.path()));
-        EXPECT_EQ(pipe.line(), word);
-        EXPECT_TRUE(allAreReaped());
-    }
-    ::signal(SIGPIPE, SIG_DFL);
-}
-
-TEST(SpawnLauncher, ReapsWhereNoDescriptorIsLeft) {
-    const std::array<Pipe, 20> pipes{}; // so many that a shell finds what it needs below the limit
-    launcher();                         // has its own
-    const int next = ::dup(STDERR_FILENO);
-    ::close(next);
-    rlimit before{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-    const rlimit none{static_cast<rlim_t>(next), before.rlim_max};
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
-    launcher().launch({"/bin/sh", {"-c", "echo x > " + pipes[0].path()}});
-    EXPECT_EQ(pipes[0].line(), "x");
-    EXPECT_TRUE(allAreReaped());
-    ::setrlimit(RLIMIT_NOFILE, &before);
-}
-
 std::ptrdiff_t openDescriptors() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
 }
@@ -130,21 +93,18 @@ bool descriptorsGetDownTo(std::ptrdiff_t count) {
     return openDescriptors() <= count;
 }
 
-TEST(SpawnLauncher, StaysQuickAndKeepsNothingOfManyBesideThoseThatHangOrPrintOn) {
+TEST(SpawnLauncher, StaysQuickAndKeepsNothingOfManyBesideThoseThatHang) {
     using Clock = std::chrono::steady_clock;
-    constexpr int hanging = 20, printing = 5, batches = 5, batch = 40;
+    constexpr int hanging = 20, batches = 5, batch = 40;
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     constexpr std::chrono::milliseconds hitch{100};
 #else
     constexpr std::chrono::milliseconds hitch{20};
 #endif
     const Pipe done, gate;
-    std::optional<Pipe> full{std::in_place}; // that nobody reads
     launcher();
     const auto before = openDescriptors();
     for (int i = 0; i < hanging; ++i) launcher().launch(shell("read < " + gate.path(0)));
-    for (int i = 0; i < printing; ++i)
-        launcher().launch(shell("while :; do echo x; done > " + full->path()));
 
     std::vector<Clock::duration> longest(batches);
     for (auto& worst : longest) {
@@ -158,10 +118,8 @@ TEST(SpawnLauncher, StaysQuickAndKeepsNothingOfManyBesideThoseThatHangOrPrintOn)
     // On a busy machine anything may take its time once.
     std::ranges::sort(longest);
     EXPECT_LE(longest[longest.size() / 2], hitch);
-    EXPECT_TRUE(descriptorsGetDownTo(before + hanging + printing));
 
     for (int i = 0; i < hanging; ++i) gate.open();
-    full.reset();
     EXPECT_TRUE(allAreReaped());
     EXPECT_TRUE(descriptorsGetDownTo(before));
 }
