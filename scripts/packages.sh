@@ -26,7 +26,7 @@ package_packages=(appstream desktop-file-utils dpkg-dev lintian)
 # To test it.
 test_packages=(
     "${xorg_packages[@]}" "${benchmark_packages[@]}" "${fuzz_packages[@]}"
-    at-spi2-core clang-format clang-tidy libgtest-dev libxcb-shape0-dev openbox picom
+    at-spi2-core clang-format clang-tidy libgtest-dev openbox
     x11-xserver-utils xinput
 )
 

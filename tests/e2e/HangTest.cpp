@@ -62,20 +62,4 @@ TEST_F(Hang, IsGuardedAgainAfterTheGuardWasKilled) {
     expectTakeover();
 }
 
-TEST_F(Hang, ThatEndsBeforeTheGuardActsChangesNothing) {
-    // However long this test is held up, the guard is held up with it.
-    const auto guard = guards();
-    ASSERT_EQ(guard.size(), 1U);
-    ::kill(guard.front(), SIGSTOP);
-    hang();
-    ASSERT_TRUE(stage->hands.type(u"La"_s, 0ms));
-    EXPECT_EQ(inputOnHost(), QStringList{});
-    goOn();
-    EXPECT_TRUE(targetGetsText(u"La"_s));
-    // By now its sign of life is out, too.
-    expectTyped(u"te"_s);
-    ::kill(guard.front(), SIGCONT);
-    expectTakeover();
-}
-
 } // namespace quenthisar::e2e

@@ -20,8 +20,7 @@ void writeProfiles(const QString& file, const QString& displayUuid, const QStrin
             QJsonObject{{u"id"_s, profileId(list.size() + 1)},
                         {u"name"_s, profile.name},
                         {u"bindings"_s, QJsonObject{{u"right|"_s + displayUuid, dongleUuid}}},
-                        {u"activateCommand"_s, profile.activateCommand},
-                        {u"targetCommand"_s, profile.targetCommand}});
+                        {u"activateCommand"_s, profile.activateCommand}});
     const auto bytes = QJsonDocument{list}.toJson(QJsonDocument::Compact).toBase64();
     const QJsonObject all{{u"autoConnect"_s, true},
                           {u"autoCapture"_s, true},

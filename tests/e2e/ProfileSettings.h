@@ -12,7 +12,6 @@ namespace quenthisar::e2e {
 struct StoredProfile {
     QString name{};
     QString activateCommand{}; // a hook, run by the shell
-    QString targetCommand{};   // a chord
 };
 
 /// The identifier of the n-th of them, from 1.

@@ -83,34 +83,6 @@ protected:
     QJsonObject before;
 };
 
-TEST_F(SettingsFault, ByAnotherHandIsMendedByTheNextChange) {
-    const auto whole = readFile(file);
-    const std::pair<const char*, std::function<bool()>> cases[] = {
-        {"deleted", [&] { return QFile::remove(file); }},
-        {"deleted with its folder", [&] { return QFileInfo{file}.dir().removeRecursively(); }},
-        {"garbage", [&] { return writeFile(file, "\xFF garbage {"); }},
-        {"truncated", [&] { return QFile::resize(file, whole.size() / 2); }},
-        {"empty", [&] { return QFile::resize(file, 0); }},
-        {"replaced by a folder",
-         [&] {
-             return QFile::remove(file) && QDir{}.mkpath(file) &&
-                    writeFile(file + u"/theirs"_s, "theirs");
-         }},
-    };
-    int number = 2;
-    for (const auto& [name, befall] : cases) {
-        SCOPED_TRACE(name);
-        EXPECT_EQ(others(), QStringList{});
-        number = 3 - number;
-        ASSERT_TRUE(befall());
-        ASSERT_TRUE(activate(number));
-        expectAllStored(number);
-    }
-    EXPECT_EQ(others().size(), 1);
-    EXPECT_EQ(readFile(QFileInfo{file}.dir().filePath(others().value(0)) + u"/theirs"_s), "theirs");
-    expectKeptByARestart();
-}
-
 /// The program as a user for whom no file can be written, for the time being.
 class UnwritableSettings : public SettingsFault {
 protected:

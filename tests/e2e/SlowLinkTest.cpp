@@ -50,6 +50,7 @@ using SlowLink = StageFixture;
 TEST_F(SlowLink, CostsLittleAndLosesOrderOfNothingWhileItTakesNothing) {
     constexpr long memoryLimit = 4'000'000;
     constexpr qsizetype motionLimit = 64; // that wait
+    constexpr qsizetype lastMoves = 2;    // which may come when the others go already
     const auto keys = u"abcdefghijklmnopqrstuvwxyz"_s;
     const auto before = residentSize(stage->rig.quenthisar().pid());
     ask(u"SetReading"_s, {firstDongle, false});
@@ -95,7 +96,7 @@ TEST_F(SlowLink, CostsLittleAndLosesOrderOfNothingWhileItTakesNothing) {
     const auto motion = std::ranges::count_if(all, isMotion);
     const auto late = std::count_if(all.begin() + arrived[gap].report, all.end(), isMotion);
     EXPECT_GT(motion, 50);
-    EXPECT_LE(late, motionLimit);
+    EXPECT_LE(late, motionLimit + lastMoves);
     EXPECT_LT(motion, moves);
     EXPECT_TRUE(nothingIsHeldOnTarget());
     EXPECT_EQ(inputOnHost(), QStringList{});

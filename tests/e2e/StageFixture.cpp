@@ -76,15 +76,6 @@ void StageFixture::expectTypedOnHost(const QString& text) {
     EXPECT_TRUE(waitUntil([&] { return typed() == text; }, soon)) << typed().toStdString();
 }
 
-StageFixture::Reports StageFixture::digits() {
-    auto all = reports();
-    all.removeIf([](const ReportLine& report) {
-        const auto keys = report.field(u"keys"_s);
-        return keys.size() != 1 || !keys[0].isDigit();
-    });
-    return all;
-}
-
 QStringList StageFixture::inputOnHost() {
     EXPECT_TRUE(stage->hostDesk.catchUp(stage->host));
     auto lines = stage->hostDesk.since(hostMark);

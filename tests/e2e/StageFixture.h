@@ -30,7 +30,7 @@ constexpr int sanitizerFactor = 1;
 /// How the virtual dongle calls the only one and its adapter.
 inline const QString firstDongle = u""_s, firstAdapter = u"hci0"_s;
 
-inline constexpr std::uint32_t escapeKey = 0xFF1B, shiftKey = 0xFFE1, controlKey = 0xFFE3;
+inline constexpr std::uint32_t shiftKey = 0xFFE1, controlKey = 0xFFE3;
 
 /// False if it can't be written.
 bool writeFile(const QString& file, const QByteArray& bytes);
@@ -75,8 +75,6 @@ protected:
     bool dongleGetsAny(const std::function<bool(const ReportLine&)>& wanted) {
         return dongleGets([&](const Reports& all) { return std::ranges::any_of(all, wanted); });
     }
-    /// Of the clipboard, typed by the program.
-    Reports digits();
 
     /// Keys, buttons, motion and scrolling that the host's focused client got.
     QStringList inputOnHost();

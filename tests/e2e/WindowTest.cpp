@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "demo/ConfigurationWindow.h"
 #include "e2e/WindowFixture.h"
-#include "support/RunUntil.h"
-#include "support/StatusPanel.h"
 
 #include <array>
 #include <cstdlib>
@@ -108,45 +106,6 @@ TEST_F(WindowOnADesktop, ComesBackAsItWasByASecondStart) {
         soon));
     expectItBack();
     EXPECT_TRUE(openTab(u"Settings"_s)) << "it is above the desk";
-}
-
-/// In a session that lets no program tap the input.
-class CaptureThatIsRefused : public WindowFixture {
-protected:
-    void SetUp() override {
-        open({.programs = {},
-              .hasSettings = false,
-              .programEnvironment = {{u"XDG_SESSION_TYPE"_s, u"wayland"_s}}});
-        if (stage) withoutPrompt = windows();
-    }
-    qsizetype windows() const { return stage->host.windowsWith("WM_PROTOCOLS").size(); }
-    qsizetype prompts() const { return windows() - withoutPrompt; }
-
-    qsizetype withoutPrompt = 0;
-};
-
-TEST_F(CaptureThatIsRefused, LeavesSwitchAndMarkOffBehindOnePrompt) {
-    const auto capture = u"Capture enabled"_s;
-    StatusPanel panel(stage->rig.sessionBusAddress());
-    ASSERT_TRUE(panel.waitForItem());
-    const auto isOff = [&] { return !isOn(capture) && panel.menu()[u"Capture"_s].mark() == 0; };
-    const auto confirm = [&] {
-        return click(Role::button, u"OK"_s, [this] { return prompts() == 0; });
-    };
-
-    ASSERT_TRUE(click(Role::checkBox, capture, [this] { return prompts() > 0; }));
-    EXPECT_TRUE(isOff());
-    panel.click(panel.menu()[u"Capture"_s].id);
-    panel.click(panel.menu()[u"Capture"_s].id);
-    EXPECT_TRUE(isOff());
-    EXPECT_EQ(prompts(), 1);
-    ASSERT_TRUE(confirm());
-
-    ASSERT_TRUE(click(Role::button, u"Grant..."_s, [this] { return prompts() > 0; }));
-    ASSERT_TRUE(confirm());
-    panel.click(panel.menu()[u"Capture"_s].id);
-    EXPECT_TRUE(test::runUntil([&] { return prompts() == 1; }, soon));
-    EXPECT_TRUE(isOff());
 }
 
 } // namespace quenthisar::e2e

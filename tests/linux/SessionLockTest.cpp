@@ -114,29 +114,6 @@ TEST_F(SessionLockTest, ADemandCountsUntilTheLockerDecides) {
     EXPECT_EQ(changes, (Changes{true, false}));
 }
 
-TEST_F(SessionLockTest, ADemandThatNobodyAnswersIsDropped) {
-    followUnlocked(50ms);
-    logind->emitLock();
-    ASSERT_TRUE(runUntil([&] { return changes.size() == 2; }));
-    EXPECT_EQ(changes, (Changes{true, false}));
-}
-
-TEST_F(SessionLockTest, AManagerThatGoesLeavesItLockedForAMoment) {
-    logind.emplace(systemBus.address(), FakeLogind::Options{.preparesForSleep = true});
-    follow();
-    ASSERT_TRUE(becomes(true));
-    logind.reset();
-    ASSERT_TRUE(becomes(false)) << "nobody could tell of the sleep's end";
-    followLocked({}, 50ms);
-    logind.reset();
-    ASSERT_TRUE(becomes(false));
-    followLocked();
-    logind.reset();
-    EXPECT_FALSE(system.interface()->isServiceRegistered(u"org.freedesktop.login1"_s));
-    QCoreApplication::processEvents(); // of the signal that came before that answer
-    EXPECT_TRUE(lock->isLocked()) << "it may come back";
-}
-
 TEST_F(SessionLockTest, FollowsAScreenSaverAtEitherPlace) {
     for (const auto& path : {u"/ScreenSaver"_s, u"/org/freedesktop/ScreenSaver"_s}) {
         follow();
@@ -171,23 +148,6 @@ TEST_F(SessionLockTest, StrangersAndOtherSessionsAreNotHeard) {
     logind->emitPrepareForSleep(false);
     EXPECT_TRUE(becomes(false));
     EXPECT_EQ(changes, (Changes{true, false}));
-}
-
-TEST_F(SessionLockTest, WhatLockedItEndsWithItsBusAndTheNextBusCounts) {
-    demo::PrivateBus bus;
-    std::optional<FakeScreenSaver> saver{std::in_place, bus, u"/ScreenSaver"_s};
-    const auto openAgain = [&] {
-        return QDBusConnection::connectToBus(bus.address(), u"the same bus again"_s);
-    };
-    lock.emplace(system, Bus{connectionTo(bus), openAgain}, [](bool) {});
-    ASSERT_TRUE(becomes(true));
-    saver.reset();
-    bus.end();
-    EXPECT_TRUE(becomes(false));
-    bus.start();
-    saver.emplace(bus, u"/ScreenSaver"_s);
-    EXPECT_TRUE(becomes(true));
-    lock.reset();
 }
 
 } // namespace

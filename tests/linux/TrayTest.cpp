@@ -107,27 +107,6 @@ TEST_F(Tray, IsThereForPanelsWheneverTheyComeAndCostsNothingWithout) {
     }
 }
 
-TEST_F(Tray, HandsOverItsImageAndItemsAsTheyAre) {
-    showOnPanel();
-    const auto pixmaps =
-        qdbus_cast<QList<StatusNotifierPixmap>>(panel->itemProperty(u"IconPixmap"_s));
-    ASSERT_FALSE(pixmaps.isEmpty());
-    for (const auto& pixmap : pixmaps) {
-        ASSERT_EQ(pixmap.argb.size(), 4 * pixmap.width * pixmap.height);
-        // Opaque, and bright in the middle, dark at the rim.
-        const auto middle = 4 * (pixmap.width * (pixmap.height / 2) + pixmap.width / 2);
-        EXPECT_EQ(pixmap.argb.sliced(middle, 4), QByteArray::fromHex("fff6f6f6"));
-        EXPECT_EQ(pixmap.argb.first(4), QByteArray::fromHex("ff303030"));
-    }
-    const auto menu = panel->menu();
-    ASSERT_EQ(menu.children.size(), 5U);
-    EXPECT_EQ(menu.children[1].label(), u"A & B__C <b>"_s);
-    EXPECT_FALSE(menu.children[1].isEnabled());
-    EXPECT_EQ(menu.children[3].properties[u"children-display"_s], u"submenu"_s);
-    EXPECT_EQ(qdbus_cast<QList<QStringList>>(menu.children[4].properties[u"shortcut"_s]),
-              (QList<QStringList>{{u"Control"_s, u"o"_s}}));
-}
-
 TEST_F(Tray, TellsOfWhatHasChangedAndOnlyThen) {
     showOnPanel();
     const auto before = panel->menu();

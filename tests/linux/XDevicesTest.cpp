@@ -83,51 +83,6 @@ TEST(XDevices, ScrollByLines) {
     }
 }
 
-TEST(XDevices, WithPositionsMoveByTheDifferences) {
-    XStage stage;
-    // The middle of a pixel of the whole desktop, of both displays.
-    const auto moveTo = [&](int x, int y) {
-        stage.tablet.moveTo((x + 0.5) * 65536 / (1280 + 1024), (y + 0.5) * 65536 / 800);
-    };
-    moveTo(500, 500);
-    moveTo(2000, 400);
-    stage.takeOver();
-    for (const auto to : {QPoint{1900, 420}, {100, 450}, {110, 300}}) moveTo(to.x(), to.y());
-    stage.finish();
-    EXPECT_NEAR(stage.motion().x(), 110 - 2000, 1);
-    EXPECT_NEAR(stage.motion().y(), 300 - 400, 1);
-    stage.giveBack();
-    EXPECT_EQ(stage.neighbour.pointer(), (QPoint{2000, 400}));
-
-    stage.run("xrandr --output DUMMY1 --off");
-    stage.tablet.moveTo(32768, 32768);
-    stage.takeOver();
-    stage.delivered.clear();
-    stage.tablet.moveTo(32768 + 65536.0 / 4, 32768 - 65536.0 / 8);
-    stage.finish();
-    EXPECT_NEAR(stage.motion().x(), 1280.0 / 4, 1) << "of a smaller desktop";
-    EXPECT_NEAR(stage.motion().y(), -800.0 / 8, 1);
-}
-
-TEST(XDevices, HaveTheirButtonsSwappedForTheLeftHanded) {
-    XStage stage;
-    stage.run("xinput set-button-map mouse 3 2 1");
-    for (const int left : {3, 1}) {
-        // Until the menu closes, what the server tells is not swapped yet.
-        ASSERT_TRUE(stage.neighbour.grabAll());
-        stage.takeOver();
-        stage.delivered.clear();
-        stage.mouse.click(left);
-        stage.mouse.click(4 - left);
-        stage.finish();
-        EXPECT_EQ(stage.typesWithoutMotion(), (Types{leftMouseDown, leftMouseUp, rightMouseDown,
-                                                     rightMouseUp, otherMouseDown, otherMouseUp}));
-        stage.neighbour.ungrabAll();
-        stage.giveBack();
-        stage.run(R"(xmodmap -e "pointer = 3 2 1")"); // the pointer's: back where it was
-    }
-}
-
 TEST(XDevices, AreHeardWhenPluggedInAndReleasedWhenUnplugged) {
     XStage stage;
     for (const auto* device : {"xinput disable keyboard", "xinput disable tablet"})

@@ -6,10 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include <QClipboard>
 #include <QDeadlineTimer>
 #include <QGuiApplication>
-#include <QMimeData>
 
 #include <chrono>
 #include <optional>
@@ -112,31 +110,6 @@ TEST_F(XPasteboardTest, GivesTheTextInTheBestFormThatTheOwnerReallyHasInTime) {
         const SelectionOwner owner(row.script);
         EXPECT_EQ(read(), row.text) << row.what;
     }
-}
-
-TEST_F(XPasteboardTest, CutsOffWhatIsTooLong) {
-    constexpr std::size_t longest = std::size_t{16} << 20;
-    SelectionOwner owner([](auto& self, const auto& request) {
-        self.announcePieces(request);
-        while (self.givePiece(request, std::string(1 << 20, 'x'))) {
-        }
-    });
-    Text text;
-    // A busy machine may need more than one try.
-    for (int tries = 0; tries < 20 && !text; ++tries) text = read();
-    ASSERT_TRUE(text);
-    EXPECT_EQ(text->size(), longest);
-}
-
-TEST_F(XPasteboardTest, TakesOurOwnTextFromTheToolkit) {
-    auto* clipboard = QGuiApplication::clipboard();
-    clipboard->setText(QStringLiteral("own \u20AC"));
-    EXPECT_EQ(read(), "own \xE2\x82\xAC");
-    clipboard->setMimeData(std::make_unique<QMimeData>().release());
-    ASSERT_TRUE(clipboard->ownsClipboard());
-    EXPECT_EQ(read(), std::nullopt) << "no text";
-    const SelectionOwner owner(gives("UTF8_STRING", "theirs"));
-    EXPECT_EQ(read(), "theirs") << "whatever the toolkit still believes";
 }
 
 } // namespace

@@ -8,19 +8,6 @@ using namespace EventFlags;
 using Types = std::vector<EventType>;
 const std::vector<int> nothing;
 
-TEST(XTap, ReportsTheLastPlaceWhoeverHoldsThePointer) {
-    XStage stage;
-    for (int round = 0; round < 20; ++round) {
-        stage.neighbour.moveTo(100, 100 + round);
-        QCoreApplication::processEvents(); // asks where it is
-        stage.neighbour.moveTo(200, 100 + round);
-        ASSERT_TRUE(stage.waitForLocation({200, 100.0 + round})) << "round " << round;
-    }
-    ASSERT_TRUE(stage.neighbour.grabAll());
-    stage.neighbour.moveTo(310, 320);
-    EXPECT_TRUE(stage.waitForLocation({310, 320}));
-}
-
 TEST(XTakeover, KeepsAllInputFromTheOtherClientsAndGivesItBack) {
     XStage stage;
     stage.neighbour.moveTo(640, 400);
@@ -76,40 +63,6 @@ TEST(XTakeover, KeepsAllInputFromTheOtherClientsAndGivesItBack) {
     stage.mouse.click(1);
     EXPECT_EQ(stage.neighbour.seen(), (std::vector<int>{XCB_KEY_PRESS, XCB_KEY_RELEASE,
                                                         XCB_BUTTON_PRESS, XCB_BUTTON_RELEASE}));
-}
-
-TEST(XTakeover, DeliversOnlyMotionThatWasMadeDuringIt) {
-    XStage stage;
-    for (int i = 0; i < 20; ++i) stage.mouse.moveBy(10, 0);
-    stage.takeOver();
-    stage.mouse.moveBy(0, 1);
-    ASSERT_TRUE(stage.waitFor(mouseMoved));
-    EXPECT_EQ(stage.motion(), (QPoint{0, 1}));
-
-    // After a pause, the second of two fast moves waits for what follows.
-    const auto pauseEnd = MotionPacer::Clock::now() + MotionPacer::interval;
-    ASSERT_TRUE(runUntil([&] { return MotionPacer::Clock::now() > pauseEnd; }));
-    stage.delivered.clear();
-    for (int i = 0; i < 2; ++i) stage.mouse.moveBy(0, 50);
-    ASSERT_TRUE(stage.waitFor(mouseMoved));
-    stage.cursor.associateMouseAndMouseCursorPosition(true);
-    stage.takeOver();
-    stage.delivered.clear();
-    stage.mouse.moveBy(3, 0);
-    ASSERT_TRUE(stage.waitFor(mouseMoved));
-    EXPECT_EQ(stage.motion(), (QPoint{3, 0}));
-}
-
-TEST(XTakeover, TurnsPositionsOfSyntheticInputIntoMotion) {
-    XStage stage;
-    stage.neighbour.moveTo(640, 400);
-    stage.takeOver();
-    for (const auto place : {QPoint{640, 400}, {400, 300}, {400, 300}, {410, 290}})
-        stage.neighbour.moveTo(place.x(), place.y());
-    stage.finish();
-    EXPECT_EQ(stage.motion(), (QPoint{-230, -110}));
-    stage.giveBack();
-    EXPECT_EQ(stage.neighbour.pointer(), (QPoint{640, 400}));
 }
 
 TEST(XTakeover, LeavesLocksAsTheyWereAndNoModifierBehind) {
@@ -196,23 +149,6 @@ TEST(XTakeover, BeginsInADragOnceItEnds) {
     }));
 }
 
-TEST(XTakeover, EndsInsideItsOwnCallback) {
-    XStage stage;
-    stage.takeOver();
-    stage.onEvent = [&](const TapEvent& event) {
-        if (event.flags != (control | option | command)) return;
-        stage.giveBack();
-        stage.source.reset();
-        stage.tap.reset();
-    };
-    for (const auto key : {leftControl, leftAlt, leftSuper}) stage.keyboard.key(key, true);
-    ASSERT_TRUE(runUntil([&] { return stage.tap == nullptr; }));
-    stage.neighbour.seen();
-    stage.keyboard.tap(keyA);
-    EXPECT_EQ(stage.neighbour.seen(), (std::vector<int>{XCB_KEY_PRESS, XCB_KEY_RELEASE}));
-    EXPECT_TRUE(stage.taps.tapCreate(0, {}));
-}
-
 TEST(XTakeover, IsTakenUpAgainAfterTheConnectionWasLost) {
     XStage stage;
     stage.onEvent = [&](const TapEvent& event) {
@@ -249,51 +185,6 @@ TEST(XTakeover, IsTakenUpAgainAfterTheConnectionWasLost) {
     stage.delivered.clear();
     EXPECT_TRUE(runUntil([&] {
         stage.mouse.moveBy(1, 0);
-        return stage.sees(mouseMoved);
-    }));
-}
-
-TEST(XTakeover, LeavesALockedSessionAlone) {
-    XStage stage;
-    stage.takeOver();
-    for (const auto key : {leftControl, keyA, volumeUp}) stage.keyboard.key(key, true);
-    stage.mouse.button(1, true);
-    ASSERT_TRUE(stage.waitFor(leftMouseDown));
-    stage.delivered.clear();
-    stage.session.setDeaf(true);
-    EXPECT_EQ(stage.types(), (Types{keyUp, systemDefined, leftMouseUp, flagsChanged}));
-    EXPECT_EQ(stage.lastFlags(), 0U);
-    for (const auto key : {keyA, volumeUp}) stage.keyboard.key(key, false);
-    stage.mouse.button(1, false);
-    EXPECT_TRUE(runUntil([&] { return stage.neighbour.grabAll(); })) << "the locker's grab";
-    stage.neighbour.moveTo(500, 300);
-    stage.keyboard.tap(keyA);
-    EXPECT_EQ(stage.neighbour.pointer(), (QPoint{500, 300}));
-    stage.neighbour.ungrabAll();
-
-    stage.delivered.clear();
-    stage.session.setDeaf(false);
-    EXPECT_EQ(stage.types(), Types{flagsChanged}) << "of all that was typed meanwhile";
-    EXPECT_EQ(stage.lastFlags(), control);
-    stage.neighbour.seen();
-    stage.keyboard.tap(keyA);
-    ASSERT_TRUE(stage.waitFor(keyUp));
-    EXPECT_EQ(stage.neighbour.seen(), nothing);
-
-    // Free, it delivers no moves either.
-    stage.giveBack();
-    stage.session.setDeaf(true);
-    stage.delivered.clear();
-    int x = 100;
-    const auto move = [&] { stage.neighbour.moveTo(++x, 100); };
-    for (int i = 0; i < 20; ++i) {
-        move();
-        QCoreApplication::processEvents();
-    }
-    EXPECT_EQ(stage.types(), Types{});
-    stage.session.setDeaf(false);
-    EXPECT_TRUE(runUntil([&] {
-        move();
         return stage.sees(mouseMoved);
     }));
 }

@@ -84,16 +84,4 @@ TEST(Monitors, KeepTheirIdentityOnAnotherConnectorUnlessAnEqualOneIsThere) {
     EXPECT_NE(displayIdentifier(blank, {blank}), displayIdentifier(otherBlank, {otherBlank}));
 }
 
-TEST(Monitors, AreCalledByTheModelThatTheyNameAndBeginAtTheTopLeft) {
-    const auto edid = QByteArray(72, '\1') + QByteArray("\0\0\0\xFC\0Model 27\n    ", 18);
-    EXPECT_EQ(displayName(monitor("DP-1", edid)), "Model 27");
-    EXPECT_EQ(displayName(monitor("DP-1", edid.chopped(1))), "DP-1");
-
-    std::vector monitors{monitor("A", {}, {0, 100, 10, 10}), monitor("B", {}, {10, 0, 10, 10}),
-                         monitor("C", {}, {5, 0, 10, 10})};
-    putPrimaryFirst(monitors);
-    EXPECT_EQ(monitors[0].name, "C");
-    EXPECT_EQ(monitors[1].name, "A");
-}
-
 } // namespace quenthisar::test

@@ -63,30 +63,6 @@ TEST(ProfilesTab, TypingSurvivesWhateverIsPublished) {
     EXPECT_EQ(name.text(), "De  !sk") << "left, it shows what is stored";
 }
 
-TEST(ProfilesTab, EachHookHasItsField) {
-    Fixture f;
-    QTest::keyClicks(&f.field("On activate - run on Mac (shell), profile 1"), "a ");
-    QTest::keyClicks(&f.field("On deactivate - run on Mac (shell), profile 1"), "b");
-    f.field("On activate - send to target (e.g. cmd+l), profile 1").setText("cmd+l");
-    const auto& profile = f.profile(0);
-    EXPECT_EQ(profile, (Profile{profile.id, "Default", {}, "a ", "b", "cmd+l"}));
-    EXPECT_TRUE(f.isStored());
-}
-
-TEST(ProfilesTab, TheMarkerFollowsTheActiveProfile) {
-    Fixture f;
-    auto& first = f.button("Make profile Default active");
-    auto& second = f.button("Make profile Second active");
-    f.click("Make profile Second active");
-    f.click("Make profile Second active");
-    EXPECT_EQ(*f.state.activeProfileID, f.profile(1).id);
-    EXPECT_FALSE(first.isChecked());
-    EXPECT_TRUE(second.isChecked());
-    f.state.switchProfile(f.profile(0).id);
-    f.settle();
-    EXPECT_TRUE(first.isChecked());
-}
-
 TEST(ProfilesTab, ADoubleClickDeletesOneProfileAndNoneTheLast) {
     Fixture f;
     f.state.addProfile("Third");
@@ -100,28 +76,6 @@ TEST(ProfilesTab, ADoubleClickDeletesOneProfileAndNoneTheLast) {
     f.state.deleteProfile(f.profile(0).id);
     f.settle();
     EXPECT_FALSE(f.button("Delete profile Third").isVisible());
-}
-
-TEST(ProfilesTab, AddsByButtonAndByReturnAndEmptiesTheField) {
-    Fixture f;
-    auto& name = f.field("New profile name");
-    name.setFocus(Qt::TabFocusReason);
-    QTest::keyClicks(&name, "Games");
-    f.publishDongles();
-    QTest::keyClick(&name, Qt::Key_Return);
-    EXPECT_EQ(name.text(), "");
-    QTest::keyClick(&name, Qt::Key_Return);
-    ASSERT_EQ(f.state.profiles->size(), 3U) << "Return in an empty field adds nothing";
-    EXPECT_EQ(f.profile(2).name, "Games");
-    f.click("Add profile");
-    EXPECT_EQ(f.profile(3).name, "Profile 4");
-
-    // The new cards stand before the field, for the eye and for Tab.
-    auto& last = f.field("On activate - send to target (e.g. cmd+l), profile 4");
-    EXPECT_LT(last.mapTo(&f.tab, QPoint()).y(), name.mapTo(&f.tab, QPoint()).y());
-    last.setFocus(Qt::TabFocusReason);
-    QTest::keyClick(&last, Qt::Key_Tab);
-    EXPECT_TRUE(name.hasFocus());
 }
 
 } // namespace
