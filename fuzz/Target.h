@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -14,6 +15,9 @@ using Bytes = std::span<const std::uint8_t>;
 /// What each program of this folder defines: handles one input, whatever it is, and fails where
 /// something does not hold that must hold for all inputs.
 void run(Bytes input);
+
+/// What an input may take of the processor for each started kilobyte. A program may define its own.
+std::chrono::milliseconds timePerKilobyte();
 
 /// Ends the program with a message, which the fuzzer takes for a finding.
 [[noreturn]] void fail(const char* what);

@@ -2,7 +2,7 @@
 // Runs each *.scenario file beside this one as a test of its name. What happens stands on the left
 // margin, what must come of it is indented beneath, all of it and in this order; # begins a
 // comment. support/Steps.cpp has the commands.
-#include "scenarios/Scribe.h"
+#include "support/Scribe.h"
 #include "support/Steps.h"
 
 #include <gtest/gtest.h>

@@ -107,8 +107,8 @@ AppDelegate& World::app() {
 void World::subscribe() {
     auto& state = delegate->state;
     const auto keep = [this](auto& field, auto tell) {
-        bool current = true; // the first call tells the value that the field has
-        subscriptions.push_back(field.subscribe([=, this](const auto& next) mutable {
+        // The first call tells the value that the field has.
+        subscriptions.push_back(field.subscribe([tell, current = true](const auto& next) mutable {
             if (!std::exchange(current, false)) tell(next);
         }));
     };

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "support/HidHost.h"
 #include "support/Steps.h"
+
+#include "HidHost.h"
 
 #include <array>
 #include <optional>
@@ -42,10 +43,6 @@ struct Violation {
 /// Watches one world from its beginning. Keeps the first violation.
 class Invariants final : public Witness {
 public:
-    /// A target that is deaf to the release of buttons is for testing the tests.
-    enum class Target { sound, deafToButtonRelease };
-    explicit Invariants(Target kind = Target::sound) : target(kind) {}
-
     /// The steps go through here.
     void perform(const Step& step, World& world);
     /// What is too slow to be compared after each step.
@@ -97,7 +94,6 @@ private:
     double factor(std::size_t dongle) const;
     bool isReady(std::size_t dongle) const;
 
-    Target target;
     World* world = nullptr;
     std::array<HidHost, World::dongleCount> hosts;
     std::array<bool, World::dongleCount> probed{}; // on this link
