@@ -68,7 +68,6 @@ public:
 
     void connect(const PeripheralPtr& peripheral) override {
         auto& fake = static_cast<FakePeripheral&>(*peripheral);
-        attempts.push_back(fake.id);
         if (onRequest) onRequest("connect", fake.id);
         fake.link = PeripheralState::connecting;
         if (fake.answersConnect) queue.async([this, peripheral] { connected(peripheral); });
@@ -128,7 +127,6 @@ public:
     MainQueue& queue;
     CentralDelegate* delegate = nullptr;
     CentralState power = CentralState::poweredOn;
-    std::vector<Uuid> attempts;
     std::vector<Write> writes;
     // For who wants to see each of these as it happens.
     std::function<void(const Write&)> onWrite;

@@ -4,13 +4,11 @@
 #include "Platform/Cursor.h"
 #include "Platform/EventTap.h"
 
-#include <string>
 #include <utility>
-#include <vector>
 
 namespace quenthisar {
 
-/// The host's input as a model: one tap at most, a cursor, and what the host got to see.
+/// The host's input as a model: one tap at most, and a cursor that nobody sees.
 class FakeEventTaps final : public EventTaps, public Cursor {
 public:
     std::unique_ptr<EventTap> tapCreate(std::uint64_t, TapCallback tapCallback) override {
@@ -23,11 +21,9 @@ public:
         return std::make_unique<Source>(*this);
     }
 
-    void associateMouseAndMouseCursorPosition(bool connected) override {
-        calls.emplace_back(connected ? "unfreeze" : "freeze");
-    }
-    void displayHideCursor() override { calls.emplace_back("hide"); }
-    void displayShowCursor() override { calls.emplace_back("show"); }
+    void associateMouseAndMouseCursorPosition(bool /*connected*/) override {}
+    void displayHideCursor() override {}
+    void displayShowCursor() override {}
 
     bool isDelivering() const { return callback && enabled && hasSource; }
 
@@ -47,7 +43,6 @@ public:
     bool refuses = false;
     bool enabled = false;
     bool hasSource = false;
-    std::vector<std::string> calls; // to the cursor, in order
 
 private:
     struct Tap final : EventTap {

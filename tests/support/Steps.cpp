@@ -113,7 +113,6 @@ constexpr auto commands = std::to_array<Command>({
          d.peripheral().link = PeripheralState::connected;
          d.w.discover(d.index());
      }},
-    {"dongle DONGLE has no service", [](Deed d) { d.peripheral().offered.clear(); }},
     {"link of DONGLE waits", [](Deed d) { d.peripheral().answersConnect = false; }},
     {"link of DONGLE up", [](Deed d) { d.w.linkUp(d.index()); }},
     {"link of DONGLE fails", [](Deed d) { d.w.failLink(d.index()); }},

@@ -4,6 +4,7 @@
 #include "AppDelegate.h"
 
 #include "support/FakeShell.h"
+#include "support/VirtualThread.h"
 #include "unit/Fakes.h"
 
 #include <optional>
@@ -16,7 +17,7 @@ struct AppDelegateFixture : Fakes {
     FakeHotkeyService hotkeys;
     FakePanels panels{clock};
     FakePasteboard pasteboard;
-    FakeSerialQueue typing{clock};
+    VirtualThread typing{clock};
     FakeStatusBar statusBar;
     FakeConfigWindows windows;
     std::optional<AppDelegate> delegate;
@@ -36,11 +37,6 @@ struct AppDelegateFixture : Fakes {
         for (const auto& id : ids) delegate->dongleManager->connect(id);
         clock.settle();
         central.writes.clear();
-    }
-    /// Discovers and connects it.
-    void bringUp(const Uuid& id) {
-        discover({id});
-        connect({id});
     }
 };
 

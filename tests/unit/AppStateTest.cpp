@@ -91,41 +91,5 @@ TEST_F(AppStateTest, ActivatesTheStoredProfileIfItStillExists) {
     }
 }
 
-TEST_F(AppStateTest, TheActiveProfileCanBeDeletedAndTheLastOneCannot) {
-    AppState state = loadThree();
-    state.switchProfile(Q);
-    launcher.launched.clear();
-    defaults.writes.clear();
-    state.deleteProfile(Q);
-    EXPECT_EQ(*state.activeProfileID, P);
-    EXPECT_EQ(defaults.writes, Texts{"profiles"}) << "no choice is stored";
-    EXPECT_TRUE(launcher.launched.empty());
-    EXPECT_EQ(stored(), *state.profiles);
-    state.deleteProfile(state.profiles->front().id); // an id of the list that is replaced
-    state.deleteProfile(R);
-    ASSERT_EQ(state.profiles->size(), 1U);
-    EXPECT_EQ(state.activeProfile().id, R);
-
-    state.profiles = {{P, "P"}, {P, "stored twice"}};
-    state.deleteProfile(P);
-    EXPECT_EQ(state.profiles->size(), 2U);
-}
-
-TEST_F(AppStateTest, ProfilesAreChangedOneByOneAndStored) {
-    AppState state = loadThree();
-    defaults.writes.clear();
-    int changes = 0;
-    const auto signal = state.objectWillChange.subscribe([&] { ++changes; });
-    state.renameProfile(P, "");
-    state.renameProfile(A, "nobody");
-    EXPECT_TRUE(defaults.writes.empty());
-    state.renameProfile(P, "  ");
-    state.updateProfile(P, [](Profile& p) { p.targetCommand = "cmd+l "; });
-    EXPECT_EQ(changes, 2);
-    EXPECT_EQ(stored()[0], (Profile{P, "  ", {}, "on", "off", "cmd+l "}));
-    state.renameProfile(P, "\xFF"); // no UTF-8: cannot be stored
-    EXPECT_EQ(stored()[0].name, "  ");
-}
-
 } // namespace
 } // namespace quenthisar
