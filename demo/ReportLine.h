@@ -22,7 +22,6 @@ struct ReportLine {
     bool isProbe() const { return what == u"probe"; }
     bool isKeyboard() const { return what.startsWith(u"keyboard "); }
     bool isMouse() const { return what.startsWith(u"mouse "); }
-    bool isConsumer() const { return what.startsWith(u"consumer "); }
     bool isMalformed() const { return what.startsWith(u"malformed"); }
 
     /// The text after "field="; empty if there is no such field.
