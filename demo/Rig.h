@@ -74,6 +74,7 @@ public:
     /// Of the program's desktop. Only with a session of its own.
     QString sessionBusAddress() const { return sessionBus->address(); }
     PrivateBus& systemBusProgram() { return systemBus; }
+    PrivateBus& sessionBusProgram() { return *sessionBus; }
 
 private:
     ChildProcess::Environment environment() const;

@@ -42,7 +42,7 @@ private:
     std::vector<pid_t> processes; // the latest, and those before it that are still to be reaped
     std::uint32_t holder = 0;
     std::vector<std::string> dongles;
-    bool told = true; // the latest; if not, it is told again each 500 ms
+    bool told = true;                // the latest; if not, it is told again each 500 ms
     std::optional<QTimer> heartbeat; // a timer needs an application
 };
 

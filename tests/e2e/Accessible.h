@@ -37,7 +37,6 @@ public:
     QList<Accessible> children() const;
     /// On the screen, in pixels; null where nothing is shown.
     QPoint center() const;
-    void press() const { call("Action", "DoAction", {0}); }
 
     /// The first element below this one, or this one, that is wanted.
     std::optional<Accessible> find(const std::function<bool(const Accessible&)>& wanted) const;

@@ -130,4 +130,30 @@ TEST_F(LossOfABus, OfTheSystemIsToldAndOverWhenItIsBack) {
     expectTyped(u"Back"_s);
 }
 
+TEST_F(LossOfABus, OfTheSessionChangesNothingAndIsOverWhenItIsBack) {
+    desktop.reset();
+    ASSERT_TRUE(stage->cross(soon));
+    stage->rig.sessionBusProgram().end();
+    expectTyped(u"Still"_s);
+    stage->pressReturnChord();
+    EXPECT_TRUE(stage->hostPointerMoves(soon));
+    EXPECT_TRUE(stage->cross(soon));
+    stage->pressReturnChord();
+    EXPECT_TRUE(stage->hostPointerMoves(soon));
+    EXPECT_TRUE(nothingIsHeldOnTarget());
+
+    stage->rig.sessionBusProgram().start();
+    const auto name = u"session again"_s;
+    const auto bus = QDBusConnection::connectToBus(stage->rig.sessionBusAddress(), name);
+    const auto item = u"org.kde.StatusNotifierItem-%1-1"_s.arg(stage->rig.quenthisar().pid());
+    for (const auto& own : {u"com.vornack.quenthisar"_s, item})
+        EXPECT_TRUE(
+            waitUntil([&] { return bus.interface()->isServiceRegistered(own).value(); }, soon))
+            << own.toStdString();
+    QDBusConnection::disconnectFromBus(name);
+    EXPECT_EQ(stage->rig.startOnceMore()->waitForEnd(soon), 0) << "the first does not answer";
+    stage->rig.quenthisar().signal(SIGTERM);
+    EXPECT_EQ(stage->rig.quenthisar().waitForEnd(soon), 0);
+}
+
 } // namespace quenthisar::e2e

@@ -15,8 +15,7 @@ inline const QString button = u"push button"_s, tab = u"page tab"_s, checkBox = 
                      radioButton = u"radio button"_s, label = u"label"_s;
 } // namespace Role
 
-inline constexpr std::uint32_t returnKey = 0xFF0D, spaceKey = 0x20, leftKey = 0xFF51,
-                               downKey = 0xFF54, endKey = 0xFF57;
+inline constexpr std::uint32_t returnKey = 0xFF0D, downKey = 0xFF54, endKey = 0xFF57;
 
 /// The program with its window open.
 class WindowFixture : public StageFixture {
