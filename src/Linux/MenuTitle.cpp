@@ -17,10 +17,9 @@ constexpr qsizetype longest = 60, head = 42, tail = 16;
 qsizetype boundary(const QString& text, qsizetype at, qsizetype atLeast) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     finder.setPosition(at);
-    if (finder.isAtBoundary()) return at;
-    const auto found = finder.toPreviousBoundary();
-    if (found > atLeast) return found;
-    return text[at].isLowSurrogate() ? at - 1 : at;
+    const auto found = finder.isAtBoundary() ? at : finder.toPreviousBoundary();
+    const auto place = found > atLeast ? found : at;
+    return text[place].isLowSurrogate() ? place - 1 : place; // the finder may say so, too
 }
 
 } // namespace
