@@ -40,7 +40,7 @@ Programs Programs::in(const QString& folder) {
 Rig::Rig(Options given) : options(std::move(given)) {
     if (options.ownSession) sessionBus.emplace();
     startDongle();
-    if (options.hasSettings) writeSettings();
+    writeSettings();
 }
 
 void Rig::startDongle() {
@@ -87,9 +87,6 @@ ChildProcess::Environment Rig::environment() const {
         {QStringLiteral("DBUS_SYSTEM_BUS_ADDRESS"), systemBus.address()},
         {QStringLiteral("XDG_CONFIG_HOME"), folder.path()},
         {QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb")}};
-    if (options.isAccessible)
-        result.emplace_back(QStringLiteral("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"),
-                            QStringLiteral("1"));
     if (sessionBus) {
         result.emplace_back(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), sessionBus->address());
         result.emplace_back(QStringLiteral("XDG_SESSION_TYPE"), QStringLiteral("x11"));

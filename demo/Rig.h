@@ -29,10 +29,6 @@ public:
         bool ownSession = true;
         /// The file that the program's standard error goes to; where empty, this one's.
         QString programErrors{};
-        /// False: the program is started for the first time.
-        bool hasSettings = true;
-        /// Whether assistive technology sees the program's windows.
-        bool isAccessible = false;
         /// Of the program, besides what each rig gives it; comes last.
         ChildProcess::Environment programEnvironment{};
         ChildProcess::LineHandler onDongleLine{};

@@ -26,8 +26,6 @@ Stage::Stage(const Options& options)
            .targetDisplay = targetServer.display(),
            .cornerSlam = options.cornerSlam,
            .programErrors = options.programErrors,
-           .hasSettings = options.hasSettings,
-           .isAccessible = options.isAccessible,
            .programEnvironment = options.programEnvironment,
            .onDongleLine = options.onDongleLine,
            .otherDongles = options.otherDongles}),

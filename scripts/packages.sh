@@ -26,7 +26,7 @@ package_packages=(appstream desktop-file-utils dpkg-dev lintian)
 # To test it.
 test_packages=(
     "${xorg_packages[@]}" "${benchmark_packages[@]}" "${fuzz_packages[@]}"
-    at-spi2-core clang-format clang-tidy libgtest-dev openbox
+    clang-format clang-tidy libgtest-dev
     x11-xserver-utils xinput
 )
 

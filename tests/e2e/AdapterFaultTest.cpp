@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "e2e/WindowFixture.h"
+#include "e2e/StageFixture.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
-#include <QElapsedTimer>
 
 #include <csignal>
 
@@ -11,13 +10,12 @@ namespace quenthisar::e2e {
 
 namespace {
 
-constexpr auto wordLimit = 1000ms * sanitizerFactor, returnLimit = 50ms * sanitizerFactor;
+constexpr auto returnLimit = 50ms * sanitizerFactor;
 
 /// What befalls the daemon or its adapter, and how it is undone.
 struct Misfortune {
     const char* name;
     QString method, undo;
-    QString word;     // for Bluetooth, meanwhile
     bool isOfAdapter; // else of the daemon
 };
 
@@ -27,41 +25,21 @@ void PrintTo(const Misfortune& misfortune, std::ostream* out) {
 
 } // namespace
 
-/// Connected, with the window open, where it tells of Bluetooth.
-class ToldFault : public WindowFixture {
+class AdapterFault : public StageFixture, public testing::WithParamInterface<Misfortune> {
 protected:
     void SetUp() override {
-        ASSERT_NO_FATAL_FAILURE(open({}));
-        label = find(Role::label, u"Bluetooth: On"_s);
-        ASSERT_TRUE(label && isReady());
+        ASSERT_NO_FATAL_FAILURE(start({}));
+        ASSERT_TRUE(isReady());
     }
 
-    bool says(const QString& word) const {
-        return waitUntil([&] { return label->name() == u"Bluetooth: "_s + word; }, soon);
+    void change(const QString& method, bool isOn) const {
+        ask(method, GetParam().isOfAdapter ? QVariantList{firstAdapter, isOn} : QVariantList{});
     }
-    void expectWord(const std::function<void()>& befall, const QString& word) const {
-        QElapsedTimer elapsed;
-        elapsed.start();
-        befall();
-        EXPECT_TRUE(says(word)) << label->name().toStdString();
-        EXPECT_LE(elapsed.elapsed(), wordLimit.count()) << word.toStdString();
-    }
-
-    std::optional<Accessible> label;
-};
-
-class AdapterFault : public ToldFault, public testing::WithParamInterface<Misfortune> {
-protected:
-    static QVariantList arguments(bool isOn) {
-        return GetParam().isOfAdapter ? QVariantList{firstAdapter, isOn} : QVariantList{};
-    }
-    void befall() {
-        expectWord([&] { ask(GetParam().method, arguments(false)); }, GetParam().word);
-    }
+    void befall() const { change(GetParam().method, false); }
     /// Afterwards the dongle is connected without anybody's help.
     void undo() {
         dongleMark = stage->rig.dongle().mark();
-        expectWord([&] { ask(GetParam().undo, arguments(true)); }, u"On"_s);
+        change(GetParam().undo, true);
         ASSERT_TRUE(isReady()) << "the connection does not return";
     }
 
@@ -78,7 +56,7 @@ protected:
     }
 };
 
-TEST_P(AdapterFault, IsToldAtOnceAndOverWithoutHelp) {
+TEST_P(AdapterFault, IsOverWithoutHelp) {
     {
         SCOPED_TRACE("connecting");
         dongleMark = stage->rig.dongle().mark();
@@ -102,22 +80,19 @@ TEST_P(AdapterFault, IsToldAtOnceAndOverWithoutHelp) {
     EXPECT_TRUE(nothingIsHeldOnTarget());
 }
 
-INSTANTIATE_TEST_SUITE_P(Ways, AdapterFault,
-                         testing::Values(Misfortune{"DaemonKilled", u"KillDaemon"_s,
-                                                    u"StartDaemon"_s, u"Resetting"_s, false},
-                                         Misfortune{"SwitchedOff", u"SetPowered"_s, u"SetPowered"_s,
-                                                    u"Off"_s, true},
-                                         Misfortune{"Unplugged", u"SetAdapter"_s, u"SetAdapter"_s,
-                                                    u"Unsupported"_s, true}),
-                         [](const auto& row) { return std::string{row.param.name}; });
+INSTANTIATE_TEST_SUITE_P(
+    Ways, AdapterFault,
+    testing::Values(Misfortune{"DaemonKilled", u"KillDaemon"_s, u"StartDaemon"_s, false},
+                    Misfortune{"SwitchedOff", u"SetPowered"_s, u"SetPowered"_s, true},
+                    Misfortune{"Unplugged", u"SetAdapter"_s, u"SetAdapter"_s, true}),
+    [](const auto& row) { return std::string{row.param.name}; });
 
 /// A bus of the desktop ends in a takeover.
-using LossOfABus = ToldFault;
+using LossOfABus = StageFixture;
 
-TEST_F(LossOfABus, OfTheSystemIsToldAndOverWhenItIsBack) {
-    ASSERT_TRUE(stage->cross(soon));
+TEST_F(LossOfABus, OfTheSystemIsOverWhenItIsBack) {
     holdSome();
-    expectWord([&] { stage->rig.systemBusProgram().end(); }, u"Resetting"_s);
+    stage->rig.systemBusProgram().end();
     EXPECT_TRUE(nothingIsHeldOnTarget());
     hold(some(), false);
     stage->pressReturnChord();
@@ -125,14 +100,13 @@ TEST_F(LossOfABus, OfTheSystemIsToldAndOverWhenItIsBack) {
 
     stage->rig.systemBusProgram().start();
     stage->rig.startDongle();
-    EXPECT_TRUE(says(u"On"_s));
-    EXPECT_TRUE(stage->cross(soon)) << "the link does not come back";
+    dongleMark = 0;
+    ASSERT_TRUE(isReady()) << "the link does not come back";
+    ASSERT_TRUE(stage->cross(soon));
     expectTyped(u"Back"_s);
 }
 
 TEST_F(LossOfABus, OfTheSessionChangesNothingAndIsOverWhenItIsBack) {
-    desktop.reset();
-    ASSERT_TRUE(stage->cross(soon));
     stage->rig.sessionBusProgram().end();
     expectTyped(u"Still"_s);
     stage->pressReturnChord();

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "demo/ConfigurationWindow.h"
 #include "e2e/StageFixture.h"
 #include "support/StatusPanel.h"
 
@@ -9,8 +10,13 @@ class StatusMenu : public StageFixture {
 protected:
     void SetUp() override { start({}); }
 
-    /// How the program ends.
-    std::optional<int> end() { return stage->rig.quenthisar().waitForEnd(soon); }
+    /// Whether its window is on screen, by and by.
+    bool isOpen(bool wanted) const {
+        const auto isSo = [&] {
+            return (demo::configurationWindow(stage->host) != XCB_NONE) == wanted;
+        };
+        return waitUntil(isSo, soon);
+    }
 
     const QString capture = u"Capture"_s, profile = u"Profile"_s, take = u"Take over"_s,
                   type = u"Type Clipboard to Target"_s, open = u"Open Quenthisar"_s,
@@ -33,6 +39,14 @@ TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
     const auto dongle = menu[take].children[0];
     EXPECT_EQ(dongle.label(), stage->rig.dongleName());
 
+    panel.click(menu[open].id);
+    ASSERT_TRUE(isOpen(true));
+    demo::askToClose(stage->host, demo::configurationWindow(stage->host));
+    ASSERT_TRUE(isOpen(false));
+    EXPECT_TRUE(stage->rig.quenthisar().isRunning());
+    EXPECT_EQ(stage->rig.startOnceMore()->waitForEnd(soon), 0) << "the first does not answer";
+    EXPECT_TRUE(isOpen(true));
+
     const auto captures = [&](int on) {
         return panel.waitForMenu([&](const PanelItem& now) { return now[capture].mark() == on; });
     };
@@ -48,7 +62,7 @@ TEST_F(StatusMenu, DoesFromAPanelWhatItsItemsSay) {
     EXPECT_EQ(panel.menu().children.at(1).label(), u"Active: Local"_s);
 
     panel.click(menu[quit].id);
-    EXPECT_EQ(end(), 0);
+    EXPECT_EQ(stage->rig.quenthisar().waitForEnd(soon), 0);
 }
 
 } // namespace quenthisar::e2e

@@ -125,16 +125,17 @@ inline void FakePanel::animateAlpha(double next, Seconds duration,
                        });
 }
 
-/// Makes windows that nobody sees.
+/// Makes windows that nobody sees, or what a test wants.
 class FakeConfigWindows final : public ConfigWindows {
 public:
     struct Window final : ConfigWindow {
         void makeKeyAndOrderFront() override {}
     };
 
-    std::unique_ptr<ConfigWindow> create(const ConfigView& /*view*/) override {
-        return std::make_unique<Window>();
-    }
+    std::unique_ptr<ConfigWindow> create(const ConfigView& view) override { return make(view); }
+
+    std::function<std::unique_ptr<ConfigWindow>(const ConfigView&)> make =
+        [](const ConfigView& /*view*/) { return std::make_unique<Window>(); };
 };
 
 } // namespace quenthisar
