@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <optional>
 
 namespace quenthisar {
 namespace {
@@ -29,7 +28,7 @@ TEST(BluezCentral, TakesADongleFromTheAirToPayloadsInOrderAndBackToTheAir) {
 
     // Waiting neither for the probe's answer nor for the descriptor.
     const auto sent = user.sendKeys(250);
-    EXPECT_TRUE(waitUntil([&] { return stage.received(u"descriptor"_s).size() >= sent.size(); }));
+    EXPECT_TRUE(runUntil([&] { return stage.received(u"descriptor"_s).size() >= sent.size(); }));
     EXPECT_EQ(stage.received(u"descriptor"_s), sent);
     EXPECT_EQ(stage.received(u"request"_s), Lines{hex(Report::pairingProbe)});
     EXPECT_EQ(stage.received(u"command"_s), Lines{});
@@ -61,7 +60,7 @@ TEST(BluezCentral, WorksWithDaemonsAndDonglesThatDiffer) {
         CentralUser user(stage.connect());
         user.makeReady();
         const auto sent = user.sendKeys(50);
-        EXPECT_TRUE(waitUntil([&] { return stage.received(each.way).size() >= sent.size(); }));
+        EXPECT_TRUE(runUntil([&] { return stage.received(each.way).size() >= sent.size(); }));
         EXPECT_EQ(stage.received(each.way), sent);
         stage.ask(u"Drop"_s, {QString()});
         ASSERT_TRUE(user.waitFor("disconnected error"));
@@ -146,40 +145,6 @@ TEST_F(BluezPayloads, OfADaemonThatWasKilledAreNotSentByTheNext) {
     user.send(Report::allKeysUp());
     ASSERT_TRUE(stage.waitForFarEnd(QString::fromStdString(hex(Report::allKeysUp()))));
     EXPECT_EQ(stage.received(u"descriptor"_s).size(), before + 1) << "nothing of before";
-}
-
-TEST(BluezRecovery, WaitsForAnotherClientThatHasTheCharacteristicToItself) {
-    BluezStage stage;
-    { CentralUser(stage.connect()).makeReady(); }
-    auto acquire = QDBusMessage::createMethodCall(
-        u"org.bluez"_s, u"/org/bluez/hci0/dev_C0_00_00_00_00_01/service0007/char0008"_s,
-        u"org.bluez.GattCharacteristic1"_s, u"AcquireWrite"_s);
-    acquire << QVariantMap{};
-    std::optional<QDBusMessage> other; // with its descriptor
-    const auto isAcquired = [&, bus = stage.connect()] {
-        other = bus.call(acquire);
-        return other->type() == QDBusMessage::ReplyMessage;
-    };
-    ASSERT_TRUE(waitUntil(isAcquired)) << other->errorMessage().toStdString();
-
-    CentralUser user(stage.connect());
-    user.connect();
-    ASSERT_TRUE(user.waitFor("probe error"));
-    const auto sent = user.sendKeys(2);
-    other.reset();
-    EXPECT_TRUE(waitUntil([&] { return stage.received(u"descriptor"_s).size() == 2; }));
-    EXPECT_EQ(stage.received(u"descriptor"_s), sent);
-    EXPECT_EQ(stage.received(u"command"_s), Lines{});
-}
-
-TEST(BluezRecovery, IsUnsupportedUntilADaemonAppears) {
-    const CentralUser nowhere(QDBusConnection(u"no such connection"_s));
-    EXPECT_TRUE(nowhere.waitFor("state unsupported"));
-    BluezStage stage(BluezStage::Daemon::none);
-    const CentralUser user(stage.connect());
-    ASSERT_TRUE(user.waitFor("state unsupported"));
-    stage.startDaemon();
-    EXPECT_TRUE(user.waitFor(ourDongle));
 }
 
 } // namespace

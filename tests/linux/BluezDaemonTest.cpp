@@ -34,7 +34,7 @@ protected:
 
     void appear() { bus.registerService(u"org.bluez"_s); }
     bool waitForCall(const QString& call) const {
-        return waitUntil([&] { return calls.contains(call); });
+        return runUntil([&] { return calls.contains(call); });
     }
     /// The n-th device, which offers our service; `more` adds to it.
     QString addDevice(int number, const QVariantMap& more) {
@@ -55,7 +55,7 @@ protected:
                                            u"org.bluez.Agent1"_s, method);
         question.setArguments(arguments);
         auto reply = asker.asyncCall(question);
-        if (!waitUntil([&] { return reply.isFinished(); })) return "no answer";
+        if (!runUntil([&] { return reply.isFinished(); })) return "no answer";
         return reply.error().name().toStdString();
     }
 
@@ -97,7 +97,7 @@ TEST_F(LaidOutDaemon, HasWhatIsOnTheAirOrHeldDiscoveredAndNothingElse) {
 
     tree.remove(near);
     addDevice(2, onAir(u"near"_s));
-    EXPECT_TRUE(waitUntil([&] { return user.count("discovered near") == 2; })) << "it was absent";
+    EXPECT_TRUE(runUntil([&] { return user.count("discovered near") == 2; })) << "it was absent";
     // No service here: the filters of all clients merge.
     EXPECT_EQ(filter, (QVariantMap{{u"Transport"_s, u"le"_s}}));
 }

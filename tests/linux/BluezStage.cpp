@@ -3,9 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <QCoreApplication>
 #include <QDBusMessage>
-#include <QDeadlineTimer>
 
 #include <algorithm>
 #include <iterator>
@@ -49,15 +47,6 @@ std::string resultWord(const CentralError& error) {
 }
 
 } // namespace
-
-bool waitUntil(const std::function<bool()>& reached, std::chrono::milliseconds limit) {
-    const QDeadlineTimer deadline(limit);
-    while (!reached()) {
-        if (deadline.hasExpired()) return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-    return true;
-}
 
 std::string hex(const Payload& payload) {
     return QByteArray(reinterpret_cast<const char*>(payload.data()), std::ssize(payload))
@@ -113,7 +102,7 @@ void CentralUser::didWriteValue(Peripheral& /*of*/, const Characteristic& /*writ
 }
 
 bool CentralUser::waitFor(const std::string& line) const {
-    return waitUntil([&] { return count(line) > 0; });
+    return runUntil([&] { return count(line) > 0; });
 }
 
 int CentralUser::count(const std::string& line) const {
@@ -121,7 +110,7 @@ int CentralUser::count(const std::string& line) const {
 }
 
 void CentralUser::connect() {
-    ASSERT_TRUE(waitUntil([this] { return peripheral != nullptr; })) << "nothing discovered";
+    ASSERT_TRUE(runUntil([this] { return peripheral != nullptr; })) << "nothing discovered";
     central.connect(peripheral);
 }
 
@@ -183,7 +172,7 @@ const QStringList& BluezStage::farEnd() {
 }
 
 bool BluezStage::waitForFarEnd(const QString& text) {
-    return waitUntil([&] {
+    return runUntil([&] {
         return std::ranges::any_of(farEnd(),
                                    [&](const QString& line) { return line.contains(text); });
     });

@@ -3,12 +3,11 @@
 
 #include "Linux/BluezCentral.h"
 #include "demo/XServer.h"
+#include "support/RunUntil.h"
 
 #include <QDBusConnection>
 #include <QStringList>
 
-#include <chrono>
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -17,12 +16,9 @@
 namespace quenthisar {
 
 using namespace Qt::StringLiterals;
+using test::runUntil;
 
 using Lines = std::vector<std::string>;
-
-/// Runs Qt's loop until `reached`, at most `limit`. Returns whether it was reached.
-bool waitUntil(const std::function<bool()>& reached,
-               std::chrono::milliseconds limit = std::chrono::seconds{15});
 
 /// Uses a central as the program does: scans when it is powered on, and takes each link through
 /// services and characteristic to the probe. Keeps what it was told, one line each, in order.

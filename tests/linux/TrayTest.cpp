@@ -83,30 +83,6 @@ struct Tray : testing::Test {
 
 } // namespace
 
-TEST_F(Tray, IsThereForPanelsWheneverTheyComeAndCostsNothingWithout) {
-    start();
-    for (int i = 0; i < 100; ++i) status->menuMayHaveChanged();
-    EXPECT_EQ(builds, 0);
-    const auto isBuilt = [this] {
-        const int before = builds;
-        status->menuMayHaveChanged();
-        return builds > before;
-    };
-    for (int round = 0; round < 3; ++round) {
-        panel = std::make_unique<StatusPanel>(session.address(), false);
-        ASSERT_TRUE(panel->waitForItem()) << "a host that comes later finds it";
-        panel->itemProperty(u"Title"_s);
-        EXPECT_FALSE(isBuilt());
-        panel->setHost(true);
-        EXPECT_TRUE(test::runUntil(isBuilt));
-        EXPECT_EQ(panel->menu().children.size(), items.size());
-        EXPECT_EQ(panel->items.size(), 1) << round;
-        panel->setHost(false);
-        EXPECT_TRUE(test::runUntil([&] { return !isBuilt(); }));
-        panel.reset();
-    }
-}
-
 TEST_F(Tray, TellsOfWhatHasChangedAndOnlyThen) {
     showOnPanel();
     const auto before = panel->menu();
@@ -134,19 +110,6 @@ TEST_F(Tray, TellsOfWhatHasChangedAndOnlyThen) {
     EXPECT_FALSE(panel->aboutToShow()) << "nobody told, but nothing has changed";
     items[0].state = true;
     EXPECT_TRUE(panel->aboutToShow());
-}
-
-TEST_F(Tray, DoesWhatIsChosenAndSetsTheMarkBack) {
-    showOnPanel();
-    const auto menu = panel->menu();
-    for (const auto& item : menu.children) panel->click(item.id);
-    panel->click(4711);
-    ASSERT_TRUE(test::runUntil([&] { return chosen.size() >= 2; }));
-    settle();
-    EXPECT_EQ(chosen, (std::vector{items[0], items[4]}));
-    ASSERT_EQ(panel->updated.size(), 1U);
-    EXPECT_EQ(panel->updated[0].id, menu.children[0].id);
-    EXPECT_EQ(panel->updated[0].mark(), 1) << "it was not switched off";
 }
 
 TEST_F(Tray, NeverTakesOneItemForAnother) {

@@ -45,8 +45,8 @@ PanelItem PanelItem::operator[](const QString& wanted) const {
     return found != children.end() ? *found : PanelItem{};
 }
 
-StatusPanel::StatusPanel(const QString& busAddress, bool shows)
-    : bus(QDBusConnection::connectToBus(busAddress, connectionName)), hasHost(shows) {
+StatusPanel::StatusPanel(const QString& busAddress)
+    : bus(QDBusConnection::connectToBus(busAddress, connectionName)) {
     bus.registerVirtualObject(watcherPath, this);
     for (const auto& signal : {u"ItemsPropertiesUpdated"_s, u"LayoutUpdated"_s})
         bus.connect({}, {}, menuInterface, signal, this, SLOT(menuSignal(QDBusMessage)));
@@ -55,13 +55,6 @@ StatusPanel::StatusPanel(const QString& busAddress, bool shows)
 
 StatusPanel::~StatusPanel() {
     QDBusConnection::disconnectFromBus(connectionName);
-}
-
-void StatusPanel::setHost(bool isThere) {
-    hasHost = isThere;
-    bus.send(QDBusMessage::createSignal(watcherPath, watcher,
-                                        hasHost ? u"StatusNotifierHostRegistered"_s
-                                                : u"StatusNotifierHostUnregistered"_s));
 }
 
 bool StatusPanel::waitForItem() const {
@@ -122,7 +115,7 @@ bool StatusPanel::handleMessage(const QDBusMessage& request, const QDBusConnecti
     }
     if (request.member() == "Get"_L1)
         return connection.send(
-            request.createReply(QVariant::fromValue(QDBusVariant(QVariant(hasHost)))));
+            request.createReply(QVariant::fromValue(QDBusVariant(QVariant(true)))));
     return false;
 }
 

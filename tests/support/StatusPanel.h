@@ -37,10 +37,8 @@ class StatusPanel final : public QDBusVirtualObject {
     Q_OBJECT
 
 public:
-    explicit StatusPanel(const QString& busAddress, bool hasHost = true);
+    explicit StatusPanel(const QString& busAddress);
     ~StatusPanel() override;
-
-    void setHost(bool isThere);
 
     bool waitForItem() const;
 
@@ -69,7 +67,6 @@ private:
     Q_SLOT void menuSignal(const QDBusMessage& signal);
 
     QDBusConnection bus;
-    bool hasHost;
 };
 
 } // namespace quenthisar
