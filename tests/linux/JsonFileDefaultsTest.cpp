@@ -15,9 +15,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <csignal>
 #include <functional>
 #include <optional>
 #include <stop_token>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <thread>
 
@@ -141,6 +143,32 @@ TEST_F(JsonFile, TakesABurstOfOneKeyAtOnceAndThenNowAndAgain) {
     QCoreApplication::exec();
     defaults.reset();
     EXPECT_EQ(stored(), 52) << "the end of the program writes what waits";
+}
+
+TEST_F(JsonFile, IsLeftAsItWasWhileTheDiskIsFullAndWrittenOnceItIsNot) {
+    // What a full disk refuses with an error, a limit refuses with a signal first.
+    ::signal(SIGXFSZ, SIG_IGN);
+    rlimit atFirst{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &atFirst), 0);
+    auto defaults = open();
+    defaults.set("before", {1.0});
+    const auto whole = read(path);
+
+    const rlimit full{20, atFirst.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &full), 0);
+    for (const auto* key : {"first", "second"}) defaults.set(key, {true});
+    const auto meanwhile = read(path);
+    const auto beside = files();
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &atFirst), 0);
+    EXPECT_EQ(meanwhile, whole);
+    EXPECT_EQ(beside, QStringList{QStringLiteral("defaults.json")}) << "no rest of an attempt";
+    EXPECT_EQ(log.lines.size(), 1U) << "told once";
+
+    defaults.set("second", {true}); // nothing new, but not written yet
+    const auto stored = open();
+    for (const auto* key : {"first", "second"})
+        EXPECT_EQ(stored.object(key), (DefaultsValue{true})) << key;
+    EXPECT_EQ(stored.object("before"), (DefaultsValue{1.0}));
 }
 
 /// A value that tells of its own whether a part of it is missing.

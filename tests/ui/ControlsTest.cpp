@@ -175,9 +175,16 @@ TEST_F(Controls, DoWhatTheySay) {
     EXPECT_GE(sent().size(), 10U) << "a wiggle";
     click(Button, "Disconnect " + dongle);
     EXPECT_EQ(dongles[A]->link, PeripheralState::disconnected);
-    click(CheckBox, "Capture enabled");
+    const Use capture{"Dongles", CheckBox, "Capture enabled", false, {}};
+    trust.trusted = false;
+    use(capture);
+    EXPECT_EQ(trust.prompts, 1);
+    EXPECT_EQ(valueOf(capture), false) << "it is refused";
+    trust.trusted = true;
+    use(capture);
     EXPECT_TRUE(captures());
-    click(CheckBox, "Capture enabled");
+    EXPECT_EQ(valueOf(capture), true);
+    use(capture);
     EXPECT_FALSE(captures());
 
     openTab("Profiles");

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "UI/Qt/DonglesTab.h"
 #include "UI/Qt/SpeedSlider.h"
-#include "UI/Qt/Switch.h"
 #include "UI/Qt/TextField.h"
 #include "ui/UiFixture.h"
 
@@ -12,18 +11,7 @@ namespace quenthisar {
 namespace {
 
 struct DonglesTabTest : testing::Test, UiFixture {
-    std::vector<std::string> calls;
-    bool isRefused = false;
-    DonglesTab tab{{state,
-                    {.connect = {},
-                     .disconnect = {},
-                     .identify = {},
-                     .toggleCapture =
-                         [this](bool on) {
-                             calls.emplace_back(on ? "capture" : "release");
-                             if (!isRefused) state.captureEnabled = on;
-                         },
-                     .promptAX = {}}}};
+    DonglesTab tab{{state, {}}};
 
     DonglesTabTest() { present(tab); }
 
@@ -82,22 +70,6 @@ TEST_F(DonglesTabTest, ASpeedIsWrittenWhenItIsSetAndNotWhenItIsShown) {
     speed->setCurrentValue(1.5);
     EXPECT_EQ(state.sensitivities->at(A), 1.5);
     EXPECT_EQ(defaults.writes.size(), 3U);
-}
-
-TEST_F(DonglesTabTest, ARefusedCaptureLeavesTheSwitchOff) {
-    auto& capture = *tab.findChild<Switch*>();
-    isRefused = true;
-    capture.click();
-    settle();
-    EXPECT_FALSE(capture.isChecked());
-    EXPECT_EQ(calls, std::vector<std::string>{"capture"}) << "asked once";
-    isRefused = false;
-    capture.click();
-    EXPECT_TRUE(capture.isChecked());
-    state.captureEnabled = false; // the tap has ended
-    settle();
-    EXPECT_FALSE(capture.isChecked());
-    EXPECT_EQ(calls, (std::vector<std::string>{"capture", "capture"})) << "following asks nothing";
 }
 
 } // namespace
