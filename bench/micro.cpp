@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What the core does with one event: time, and how often it asks for memory. The ports are fakes
 // that do next to nothing.
+#include "TakeoverFixture.h"
 #include "support/Allocations.h"
 #include "unit/AppDelegateFixture.h"
-#include "unit/TakeoverFixture.h"
 
 #include "Capture/KeycodeMap.h"
 #include "Model/StoredProfiles.h"

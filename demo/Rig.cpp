@@ -18,15 +18,10 @@ constexpr auto startLimit = 20s;
 const QString dongleAddress = QStringLiteral("C0:FF:EE:00:00:01");
 
 QStringList dongleArguments(const Rig::Options& options) {
-    QStringList result{QStringLiteral("--address"),    dongleAddress,
-                       QStringLiteral("--name"),       QStringLiteral("Target"),
-                       QStringLiteral("--display"),    options.targetDisplay,
-                       QStringLiteral("--line-delay"), QString::number(options.lineDelay.count())};
-    for (int number = 1; number <= options.otherDongles; ++number)
-        result +=
-            {QStringLiteral("--address"),
-             QStringLiteral("C0:FF:EE:00:01:%1").arg(number, 2, 16, QLatin1Char('0')).toUpper()};
-    return result;
+    return {QStringLiteral("--address"),    dongleAddress,
+            QStringLiteral("--name"),       QStringLiteral("Target"),
+            QStringLiteral("--display"),    options.targetDisplay,
+            QStringLiteral("--line-delay"), QString::number(options.lineDelay.count())};
 }
 
 } // namespace
@@ -54,10 +49,6 @@ void Rig::startDongle() {
 
 QString Rig::dongleName() const {
     return QStringLiteral("Target (%1)").arg(dongleUuid(dongleAddress).right(4));
-}
-
-QString Rig::dongleId() const {
-    return dongleUuid(dongleAddress);
 }
 
 void Rig::openProgram() {

@@ -32,8 +32,6 @@ public:
         /// Of the program, besides what each rig gives it; comes last.
         ChildProcess::Environment programEnvironment{};
         ChildProcess::LineHandler onDongleLine{};
-        /// More that are in range, and belong to nobody.
-        int otherDongles = 0;
         /// How long the dongle's lines wait to be written together.
         std::chrono::milliseconds lineDelay{0};
     };
@@ -61,8 +59,6 @@ public:
     QString displayUuid() const { return boundDisplay; }
     /// What the program calls the dongle, without a nickname.
     QString dongleName() const;
-    /// What its settings call it.
-    QString dongleId() const;
     /// Where the program's settings are.
     QString settingsFile() const;
     /// Where the dongle can be asked for faults, and whoever else the program should find.

@@ -27,8 +27,7 @@ Stage::Stage(const Options& options)
            .cornerSlam = options.cornerSlam,
            .programErrors = options.programErrors,
            .programEnvironment = options.programEnvironment,
-           .onDongleLine = options.onDongleLine,
-           .otherDongles = options.otherDongles}),
+           .onDongleLine = options.onDongleLine}),
       crossing(host, rig) {
     if (hostServer) hostFrames.emplace(frameFolder.path());
     host.switchOffAcceleration();

@@ -18,7 +18,6 @@ public:
         Programs programs;
         bool cornerSlam = false;
         QString programErrors{}; // as in `Rig`
-        int otherDongles = 0;
         /// Of an X server that is there already; where empty, the host has an Xvfb of its own.
         QString hostDisplay{};
         ChildProcess::Environment programEnvironment{}; // as in `Rig`

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
 #include "e2e/StageFixture.h"
-#include "support/Guards.h"
 
 #include <csignal>
 
@@ -17,8 +16,6 @@ protected:
         EXPECT_TRUE(stage->hostPointerMoves(soon));
         EXPECT_TRUE(waitUntil([&] { return stage->hostShowsCursor(); }, soon));
     }
-
-    std::vector<pid_t> guards() const { return test::guardsOf(stage->rig.quenthisar().pid()); }
 };
 
 TEST_F(Hang, GivesTheHostBackAndGoesOnAfterItWithNothingStuck) {
@@ -43,23 +40,6 @@ TEST_F(Hang, KeepsTheReturnAtHand) {
     ASSERT_TRUE(dongleGetsAny(&ReportLine::isMouse));
     hold(chord, false);
     expectHostHasInput();
-}
-
-TEST_F(Hang, IsGuardedAgainAfterTheGuardWasKilled) {
-    const auto first = guards();
-    ASSERT_EQ(first.size(), 1U);
-    ::kill(first.front(), SIGKILL);
-    const auto isReplaced = [&] {
-        const auto now = guards();
-        return now.size() == 1 && now != first;
-    };
-    ASSERT_TRUE(waitUntil(isReplaced, soon));
-    // What arrives shows that the program has gone on, after it told the new one.
-    expectTyped(u"x"_s);
-    hang();
-    expectHostGivenBack();
-    goOn();
-    expectTakeover();
 }
 
 } // namespace quenthisar::e2e

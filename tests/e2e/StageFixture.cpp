@@ -10,11 +10,6 @@
 
 namespace quenthisar::e2e {
 
-bool writeFile(const QString& file, const QByteArray& bytes) {
-    QFile out{file};
-    return out.open(QIODevice::WriteOnly) && out.write(bytes) == bytes.size() && out.flush();
-}
-
 QByteArray readFile(const QString& file) {
     QFile in{file};
     return in.open(QIODevice::ReadOnly) ? in.readAll() : QByteArray{};

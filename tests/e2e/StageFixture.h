@@ -30,10 +30,8 @@ constexpr int sanitizerFactor = 1;
 /// How the virtual dongle calls the only one and its adapter.
 inline const QString firstDongle = u""_s, firstAdapter = u"hci0"_s;
 
-inline constexpr std::uint32_t shiftKey = 0xFFE1, controlKey = 0xFFE3;
+inline constexpr std::uint32_t shiftKey = 0xFFE1;
 
-/// False if it can't be written.
-bool writeFile(const QString& file, const QByteArray& bytes);
 /// All of it; null where there is none.
 QByteArray readFile(const QString& file);
 

@@ -40,22 +40,6 @@ std::vector<Happening> read(const std::filesystem::path& file) {
     return result;
 }
 
-/// Both sides as they would stand in the file.
-std::string difference(const std::vector<std::string>& expected,
-                       const std::vector<std::string>& found) {
-    std::string text;
-    const auto list = [&](const char* title, const auto& lines) {
-        text += title;
-        for (const auto& line : lines) text += "\n    " + line;
-        if (lines.empty()) text += "\n    (nothing)";
-    };
-    list("\n  expected", expected);
-    list("\n  came", found);
-    const auto [e, f] = std::ranges::mismatch(expected, found);
-    text += "\n  the first difference is line " + std::to_string(e - expected.begin() + 1);
-    return text;
-}
-
 class ScenarioTest : public testing::Test {
 public:
     explicit ScenarioTest(std::filesystem::path path) : file(std::move(path)) {}
@@ -70,9 +54,8 @@ public:
             Steps::perform(*step, world);
             const auto came = scribe.take();
             if (Steps::isArrangement(*step) && happening.expected.empty()) continue;
-            if (happening.expected != came)
-                ADD_FAILURE() << file.filename().string() << ':' << happening.lineNumber << ": "
-                              << happening.line << difference(happening.expected, came);
+            EXPECT_EQ(happening.expected, came) << file.filename().string() << ':'
+                                                << happening.lineNumber << ": " << happening.line;
         }
     }
 

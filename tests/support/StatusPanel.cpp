@@ -7,6 +7,7 @@
 #include <QDBusVariant>
 
 #include <algorithm>
+#include <utility>
 
 namespace quenthisar {
 
@@ -21,19 +22,17 @@ constexpr QLatin1String itemInterface{"org.kde.StatusNotifierItem"};
 constexpr QLatin1String menuInterface{"com.canonical.dbusmenu"};
 constexpr QLatin1String connectionName{"status-panel"};
 
-PanelItem itemIn(const QDBusArgument& argument, bool hasChildren) {
+PanelItem itemIn(const QDBusArgument& argument) {
     PanelItem item;
     argument.beginStructure();
     argument >> item.id >> item.properties;
-    if (hasChildren) {
-        argument.beginArray();
-        while (!argument.atEnd()) {
-            QDBusVariant child;
-            argument >> child;
-            item.children.push_back(itemIn(child.variant().value<QDBusArgument>(), true));
-        }
-        argument.endArray();
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        QDBusVariant child;
+        argument >> child;
+        item.children.push_back(itemIn(child.variant().value<QDBusArgument>()));
     }
+    argument.endArray();
     argument.endStructure();
     return item;
 }
@@ -49,7 +48,7 @@ StatusPanel::StatusPanel(const QString& busAddress)
     : bus(QDBusConnection::connectToBus(busAddress, connectionName)) {
     bus.registerVirtualObject(watcherPath, this);
     for (const auto& signal : {u"ItemsPropertiesUpdated"_s, u"LayoutUpdated"_s})
-        bus.connect({}, {}, menuInterface, signal, this, SLOT(menuSignal(QDBusMessage)));
+        bus.connect({}, {}, menuInterface, signal, this, SLOT(menuHasChanged()));
     bus.registerService(watcher);
 }
 
@@ -84,18 +83,14 @@ PanelItem StatusPanel::menu(int parent) {
     const auto path = itemProperty(u"Menu"_s).value<QDBusObjectPath>().path();
     const auto reply = call(path, menuInterface, u"GetLayout"_s, {parent, -1, QStringList{}});
     if (!reply) return {};
-    signatures.append(reply->signature());
-    return itemIn(reply->arguments().at(1).value<QDBusArgument>(), true);
+    return itemIn(reply->arguments().at(1).value<QDBusArgument>());
 }
 
 bool StatusPanel::waitForMenu(const std::function<bool(const PanelItem&)>& wanted) {
-    return test::runUntil([&] { return wanted(menu()); });
-}
-
-bool StatusPanel::aboutToShow() {
-    const auto path = itemProperty(u"Menu"_s).value<QDBusObjectPath>().path();
-    const auto reply = call(path, menuInterface, u"AboutToShow"_s, {0});
-    return reply && reply->arguments().at(0).toBool();
+    return test::runUntil([&] {
+        if (std::exchange(isStale, false)) shown = menu();
+        return wanted(shown);
+    });
 }
 
 void StatusPanel::click(int id) {
@@ -117,18 +112,6 @@ bool StatusPanel::handleMessage(const QDBusMessage& request, const QDBusConnecti
         return connection.send(
             request.createReply(QVariant::fromValue(QDBusVariant(QVariant(true)))));
     return false;
-}
-
-void StatusPanel::menuSignal(const QDBusMessage& signal) {
-    signatures.append(signal.signature());
-    if (signal.member() == "LayoutUpdated"_L1) {
-        ++layoutUpdates;
-        return;
-    }
-    const auto list = signal.arguments().at(0).value<QDBusArgument>();
-    list.beginArray();
-    while (!list.atEnd()) updated.push_back(itemIn(list, false));
-    list.endArray();
 }
 
 } // namespace quenthisar

@@ -47,26 +47,23 @@ public:
     QVariant itemProperty(const QString& name);
     /// The whole menu, or of one submenu.
     PanelItem menu(int parent = 0);
-    /// Whether its menu, as it is read again and again, gets to be so.
+    /// Whether its menu gets to be so; it is read again whenever the item says that it changed.
     bool waitForMenu(const std::function<bool(const PanelItem&)>& wanted);
-    /// As when the user opens it. Whether it has changed since it was read.
-    bool aboutToShow();
     void click(int id);
     std::optional<QDBusMessage> call(const QString& path, const QString& interface,
                                      const QString& method, const QVariantList& arguments);
 
-    QStringList items;              // in the order in which they came
-    int layoutUpdates = 0;          // of a menu
-    std::vector<PanelItem> updated; // items whose properties changed
-    QStringList signatures;         // of the menu's signals and layouts
+    QStringList items; // in the order in which they came
 
     QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& call, const QDBusConnection& connection) override;
 
 private:
-    Q_SLOT void menuSignal(const QDBusMessage& signal);
+    Q_SLOT void menuHasChanged() { isStale = true; }
 
     QDBusConnection bus;
+    bool isStale = true;
+    PanelItem shown;
 };
 
 } // namespace quenthisar

@@ -4,7 +4,6 @@
 #include "ui/UiFixture.h"
 
 #include <QAbstractButton>
-#include <QLineEdit>
 
 namespace quenthisar {
 namespace {
@@ -20,7 +19,6 @@ struct Fixture : UiFixture {
         defaults.writes.clear();
     }
 
-    QLineEdit& field(const QString& name) const { return controlNamed<QLineEdit>(tab, name); }
     QAbstractButton& button(const QString& name) const {
         return controlNamed<QAbstractButton>(tab, name);
     }
@@ -29,39 +27,6 @@ struct Fixture : UiFixture {
         settle();
     }
 };
-
-TEST(ProfilesTab, TypingSurvivesWhateverIsPublished) {
-    Fixture f;
-    auto& name = f.field("Name of profile 2");
-    name.setFocus(Qt::TabFocusReason);
-    name.setText("Dsk");
-    name.setCursorPosition(1);
-    f.defaults.writes.clear();
-    for (const char key : std::string("e  ")) {
-        QTest::keyClick(&name, key);
-        f.publishDongles();
-    }
-    EXPECT_EQ(name.text(), "De  sk");
-    EXPECT_EQ(name.cursorPosition(), 4);
-    EXPECT_EQ(f.defaults.writes.size(), 3U); // one for each key, none for the redrawing
-
-    // Cards come and go around it.
-    f.state.addProfile("Third");
-    f.state.deleteProfile(f.profile(0).id);
-    f.settle();
-    QTest::keyClick(&name, '!');
-    EXPECT_EQ(&f.field("Name of profile 1"), &name);
-    EXPECT_TRUE(name.hasFocus());
-    EXPECT_EQ(f.profile(0).name, "De  !sk");
-    EXPECT_TRUE(f.isStored());
-
-    name.selectAll();
-    QTest::keyClick(&name, Qt::Key_Backspace);
-    f.publishDongles();
-    EXPECT_EQ(name.text(), "");
-    QTest::keyClick(&name, Qt::Key_Tab);
-    EXPECT_EQ(name.text(), "De  !sk") << "left, it shows what is stored";
-}
 
 TEST(ProfilesTab, ADoubleClickDeletesOneProfileAndNoneTheLast) {
     Fixture f;

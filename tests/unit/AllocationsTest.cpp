@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/Allocations.h"
 
-#include "unit/TakeoverFixture.h"
+#include "support/World.h"
 
 #include <gtest/gtest.h>
 
@@ -10,14 +10,14 @@
 namespace quenthisar {
 namespace {
 
-/// A takeover, and a log of payloads that needs no memory for a while.
-struct Stage : TakeoverFixture {
+/// A dongle that is connected, and a log of payloads that needs no memory for a while.
+struct Stage : Witness, World {
     static constexpr std::size_t events = 100;
 
-    Stage() {
-        bind(A, Edge::right);
-        moveTo(1918, 500);
-        central.takePayloads(A);
+    Stage() : World(static_cast<Witness&>(*this)) {
+        discover(0);
+        app().dongleManager->connect(dongleID(0));
+        clock.settle();
         central.writes.reserve(4 * events);
     }
 
@@ -36,42 +36,41 @@ TEST(Allocations, AreCounted) {
 
 TEST(Allocations, NoneForAnyForwardedEvent) {
     Stage f;
-    ASSERT_TRUE(f.isRemote());
+    f.app().eventTap->takeOver(World::dongleID(0));
     const auto expectNone = [&](const char* what, const std::function<void()>& event) {
-        f.central.takePayloads(A);
+        f.central.writes.clear();
         EXPECT_EQ(f.allocationsOf(event), 0U) << what;
-        EXPECT_GE(f.sent().size(), Stage::events) << what;
+        EXPECT_GE(f.central.writes.size(), Stage::events) << what;
     };
-    expectNone("motion", [&] { f.motion(3, -2); });
+    expectNone("motion", [&] { f.moveBy(3, -2); });
     expectNone("keys", [&] {
-        f.key(EventType::keyDown, 0);
-        f.key(EventType::keyUp, 0);
+        f.key(0, true);
+        f.key(0, false);
     });
     expectNone("modifiers", [&] {
-        f.flags(EventFlags::shift);
-        f.flags(0);
+        f.setFlags(EventFlags::shift);
+        f.setFlags(0);
     });
     expectNone("buttons", [&] {
-        f.post(EventType::leftMouseDown);
-        f.post(EventType::leftMouseUp);
+        f.button(0, true);
+        f.button(0, false);
     });
-    expectNone("scrolling",
-               [&] { f.taps.post({.type = EventType::scrollWheel, .scrollDelta = 1}); });
+    expectNone("scrolling", [&] { f.scroll(1); });
     expectNone("a media key", [&] {
-        f.mediaKey(0, 0x0A);
-        f.mediaKey(0, 0x0B);
+        f.mediaKey(0, true);
+        f.mediaKey(0, false);
     });
 }
 
 TEST(Allocations, NoneForAMoveOffTheEdges) {
-    TakeoverFixture f;
-    f.bind(A, Edge::right);
+    Stage f;
+    f.state().setBinding("D1", Edge::right, World::dongleID(0));
     for (int i = 0; i < 5; ++i)
-        f.addDisplay("far" + std::to_string(i), {1920.0 * (i + 2), 0, 1920, 1080});
+        f.plug("far" + std::to_string(i), {1920.0 * (i + 2), 0, 1920, 1080});
     const auto before = allocations();
-    for (int x = 600; x < 700; ++x) f.moveTo(x, 500);
+    for (int x = 600; x < 700; ++x) f.moveTo({static_cast<double>(x), 500});
     EXPECT_EQ(allocations(), before);
-    EXPECT_FALSE(f.isRemote());
+    EXPECT_FALSE(f.state().takeover->has_value());
 }
 
 } // namespace

@@ -1,14 +1,22 @@
 // SPDX-License-Identifier: MIT
-#include "unit/TakeoverFixture.h"
+#include "support/Steps.h"
+#include "unit/Fakes.h"
 
 #include <gtest/gtest.h>
 
 namespace quenthisar {
 namespace {
 
-constexpr auto passOn = TapVerdict::passOn;
-constexpr auto swallow = TapVerdict::swallow;
 const Payloads released{bytes({1}), bytes({2})};
+
+/// The application with dongle A connected.
+struct Desk : Witness, World {
+    Desk() : World(static_cast<Witness&>(*this)) {
+        Steps::perform(Steps::parse("dongle A connected").value(), *this);
+    }
+    Payloads sent() { return central.takePayloads(A); }
+    bool isRemote() { return state().takeover->has_value(); }
+};
 
 struct EdgeCase {
     const char* name;
@@ -22,17 +30,17 @@ class EveryEdge : public testing::TestWithParam<EdgeCase> {};
 
 TEST_P(EveryEdge, TakesOverInItsBandAndReturnsWhenPushedBackAgainstTheSideOfTheSlam) {
     const auto& row = GetParam();
-    TakeoverFixture f;
-    f.state.cornerSlam = true;
-    f.bind(A, row.edge);
-    EXPECT_EQ(f.moveTo(row.outside.x, row.outside.y), passOn);
+    Desk f;
+    f.state().cornerSlam = true;
+    f.state().setBinding("D1", row.edge, A);
+    f.moveTo(row.outside);
     EXPECT_FALSE(f.isRemote());
-    EXPECT_EQ(f.moveTo(row.inside.x, row.inside.y), swallow);
-    EXPECT_EQ(*f.state.takeover, (Takeover{A, row.edge, "D1"}));
+    f.moveTo(row.inside);
+    EXPECT_EQ(*f.state().takeover, (Takeover{A, row.edge, "D1"}));
     EXPECT_EQ(f.sent(), Payloads{row.slam});
     EXPECT_FALSE(Report::isPureMotion(Report::mouse({}), row.slam)) << "or a slow link drops it";
 
-    const auto away = [&](int units) { f.motion(row.awayX * units, row.awayY * units); };
+    const auto away = [&](int units) { f.moveBy(row.awayX * units, row.awayY * units); };
     away(-30);
     away(69);
     away(-39);
@@ -63,11 +71,11 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return row.param.name; });
 
 TEST(Forwarding, ASeventhKeyWaitsUntilOneOfSixIsReleased) {
-    TakeoverFixture f;
-    f.controller.takeOver(A);
-    for (const int code : {0, 11, 11, 8, 2, 14, 3, 5}) f.key(EventType::keyDown, code);
+    Desk f;
+    f.app().eventTap->takeOver(A);
+    for (const int code : {0, 11, 11, 8, 2, 14, 3, 5}) f.key(code, true);
     EXPECT_EQ(f.sent().back(), bytes({1, 0, 0, 0, 0, 0, 0, 0, 0, 4, 5, 6, 7, 8, 9}));
-    f.key(EventType::keyUp, 0);
+    f.key(0, false);
     EXPECT_EQ(f.sent(), Payloads{bytes({1, 0, 0, 0, 0, 0, 0, 0, 0, 5, 6, 7, 8, 9, 10})});
 }
 
