@@ -162,6 +162,7 @@ TEST_F(Controls, AreStoredAtOnceAndShownAgainByTheNextStart) {
         EXPECT_TRUE(control.isStored(state()));
     }
     EXPECT_TRUE(captures());
+    EXPECT_EQ(dongles[A]->link, PeripheralState::connected);
 }
 
 TEST_F(Controls, DoWhatTheySay) {
@@ -193,6 +194,10 @@ TEST_F(Controls, DoWhatTheySay) {
     ASSERT_EQ(state().profiles->size(), 2U);
     click(RadioButton, "Make profile Games active");
     EXPECT_EQ(state().activeProfile().name, "Games");
+    openTab("Edges");
+    QTest::keyClick(shown(ComboBox, "Profile"), Qt::Key_Up);
+    EXPECT_EQ(state().activeProfile().name, "Default");
+    openTab("Profiles");
     click(Button, "Delete profile Default");
     EXPECT_EQ(state().profiles->size(), 1U);
     EXPECT_FALSE(shown(Button, "Delete profile Games")) << "the last one";

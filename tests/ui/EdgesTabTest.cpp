@@ -54,28 +54,13 @@ TEST_F(EdgesTabTest, RedrawingNeverWrites) {
     EXPECT_TRUE(defaults.writes.empty());
 }
 
-TEST_F(EdgesTabTest, APersonsChoiceIsWrittenOnce) {
-    // The wheel is the page's.
+TEST_F(EdgesTabTest, LeavesTheWheelToThePage) {
     const QPointF at(5, 5);
     QWheelEvent turn(at, left.mapToGlobal(at), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
                      Qt::NoScrollPhase, false);
     QApplication::sendEvent(&left, &turn);
     EXPECT_FALSE(turn.isAccepted());
     EXPECT_TRUE(defaults.writes.empty());
-
-    left.setFocus(Qt::TabFocusReason);
-    QTest::keyClick(&left, Qt::Key_End);
-    settle();
-    EXPECT_EQ(state.dongleID("D1", Edge::left), std::optional{B});
-    EXPECT_EQ(defaults.writes.size(), 1U);
-    EXPECT_TRUE(isStored());
-    QTest::keyClick(&left, Qt::Key_Home);
-    EXPECT_EQ(state.dongleID("D1", Edge::left), std::nullopt);
-
-    state.addProfile("Second");
-    settle();
-    QTest::keyClick(&picker("Profile"), Qt::Key_Down);
-    EXPECT_EQ(*state.activeProfileID, profile(1).id);
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "Model/StoredProfiles.h"
 #include "unit/Fakes.h"
 
 #include <QApplication>
@@ -32,8 +31,6 @@ struct UiFixture : Fakes {
         state.dongles.modify([](auto& list) { list.back().name += '+'; });
         settle();
     }
-
-    bool isStored() const { return decodeProfiles(defaults.data("profiles")) == *state.profiles; }
 
     /// Lets the views draw what has been published.
     static void settle() {
