@@ -84,6 +84,13 @@ TEST_F(XPasteboardTest, GivesTheTextInTheBestFormThatTheOwnerReallyHasInTime) {
              if (self.announcePieces(request)) self.givePiece(request, "half");
          },
          std::nullopt},
+        {"never ends",
+         [](auto& self, const auto& request) {
+             self.announcePieces(request);
+             while (self.givePiece(request, "x")) {
+             }
+         },
+         std::nullopt},
         {"dies", [](auto& self, const auto&) { self.die(); }, std::nullopt},
         {"what came before does not matter", gives(utf8, "next"), "next"},
     };
